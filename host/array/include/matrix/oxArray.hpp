@@ -1,0 +1,124 @@
+// The host's array library: N-d arrays of every language class, as the interpreter
+// hands them to builtins. `oxArray` is opaque; everything goes through the functions
+// below so that callers never depend on the header layout.
+#pragma once
+
+#include <fl/ustring.hpp>
+
+#include <complex>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+// The host's class enumeration. Ids from 18 up belong to class-object classes.
+enum oxClassID : std::int32_t {
+    oxUNKNOWN_CLASS = 0,
+    oxCELL_CLASS = 1,
+    oxSTRUCT_CLASS = 2,
+    oxLOGICAL_CLASS = 3,
+    oxCHAR_CLASS = 4,
+    oxVOID_CLASS = 5,
+    oxDOUBLE_CLASS = 6,
+    oxSINGLE_CLASS = 7,
+    oxINT8_CLASS = 8,
+    oxUINT8_CLASS = 9,
+    oxINT16_CLASS = 10,
+    oxUINT16_CLASS = 11,
+    oxINT32_CLASS = 12,
+    oxUINT32_CLASS = 13,
+    oxINT64_CLASS = 14,
+    oxUINT64_CLASS = 15,
+    oxFUNCTION_CLASS = 16,
+    oxOPAQUE_CLASS = 17,
+    oxFIRST_OBJECT_CLASS = 18,
+};
+
+enum oxComplexity : std::int32_t { oxREAL = 0, oxCOMPLEX = 1 };
+
+struct oxArray;
+
+namespace matrix {
+
+using Dims = std::span<const std::size_t>;
+
+// Raised by the rejection functions and by creation with impossible dimensions.
+class ShapeError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+class ClassIdError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// --- queries (a null handle raises std::logic_error) ---
+oxClassID getClassID(const oxArray* a);
+std::size_t getNumberOfDimensions(const oxArray* a); // at least 2
+Dims getDimensions(const oxArray* a);                // completes opaque dimensions first
+std::size_t getNumberOfElements(const oxArray* a);
+bool isEmpty(const oxArray* a);
+bool isScalar(const oxArray* a);
+bool isComplex(const oxArray* a);      // both complex bits of the header set
+bool isSparse(const oxArray* a);
+bool isSharedData(const oxArray* a);   // data shared with another array
+bool isTemporary(const oxArray* a);    // may be reused as an output
+bool isTwoDimensional(const oxArray* a);
+bool isOrdinaryStorage(const oxArray* a); // the two storage-kind bits are not both set
+bool hasOpaqueDimensions(const oxArray* a);
+void completeDimensions(const oxArray* a);
+std::size_t getElementSize(oxClassID classId); // bytes of one real element; 0 for non-numeric
+std::uint32_t getReferenceCount(const oxArray* a);
+
+// Numeric, logical and char data: contiguous, column-major; complex data interleaved.
+void* getData(oxArray* a);
+const void* getData(const oxArray* a);
+template <class T> T* getTypedData(oxArray* a) { return static_cast<T*>(getData(a)); }
+template <class T> const T* getTypedData(const oxArray* a) { return static_cast<const T*>(getData(a)); }
+
+// --- rejection: throw ShapeError / ClassIdError for what the host cannot represent ---
+void rejectUnsupportedShape(const oxArray* a);
+void rejectUnsupportedClassId(oxClassID classId);
+
+// --- ownership ---
+oxArray* addReference(oxArray* a);
+void clearTemporary(oxArray* a);
+void setTemporary(oxArray* a, bool temporary);
+void destroyArray(const oxArray* a); // drops one reference; frees at zero; null is ignored
+
+namespace detail {
+// Uninitialised numeric, logical or char array.
+oxArray* do_create_uninitnumeric(Dims dims, oxClassID classId, oxComplexity complexity);
+struct oxDestroy_deleter {
+    void operator()(const oxArray* a) const { destroyArray(a); }
+};
+} // namespace detail
+
+using ArrayPtr = std::unique_ptr<oxArray, detail::oxDestroy_deleter>;
+
+// --- convenience creation for hosts, tests and tools ---
+template <class T> oxArray* createScalar(T value);
+oxArray* createCharArray(Dims dims, std::u16string_view codeUnits); // column-major
+oxArray* createCharRow(std::u16string_view text);
+oxArray* createSparseDouble(std::size_t rows, std::size_t cols, bool complex);
+oxArray* createCell(Dims dims);
+oxArray* createStruct(Dims dims, std::vector<std::string> fieldNames);
+oxArray* createFunctionHandle(std::string name);
+oxArray* createOpaque(Dims dims);
+// A class-object array holding a shared payload (a host string, an LxeObject, ...).
+oxArray* createObject(oxClassID classId, Dims dims, std::shared_ptr<void> payload);
+std::shared_ptr<void> getObjectPayload(const oxArray* a);
+// An array whose dimensions are kept opaque until completeDimensions runs.
+oxArray* createWithOpaqueDimensions(Dims dims, oxClassID classId, oxComplexity complexity);
+oxArray* duplicateArray(const oxArray* a); // deep copy, new array not temporary
+
+// --- warnings ---
+using WarningHandler = std::function<void(const fl::ustring&)>;
+void handleWarning(const fl::ustring& message);
+WarningHandler setWarningHandler(WarningHandler handler); // returns the previous one
+
+} // namespace matrix
