@@ -46,6 +46,11 @@ namespace matrix {
 
 using Dims = std::span<const std::size_t>;
 
+// What the host can represent: rejectUnsupportedShape and rejectUnsupportedClassId
+// refuse anything beyond these.
+inline constexpr std::size_t MAX_DIMENSIONS = 32;
+inline constexpr std::int32_t MAX_CLASS_ID = 65535;
+
 // Raised by the rejection functions and by creation with impossible dimensions.
 class ShapeError : public std::runtime_error {
 public:
@@ -69,6 +74,9 @@ bool isSharedData(const oxArray* a);   // data shared with another array
 bool isTemporary(const oxArray* a);    // may be reused as an output
 bool isTwoDimensional(const oxArray* a);
 bool isOrdinaryStorage(const oxArray* a); // the two storage-kind bits are not both set
+// Marks the data as kept in a foreign storage kind (both storage-kind bits), which
+// readers that need ordinary contiguous storage refuse.
+void setForeignStorage(oxArray* a, bool foreign);
 bool hasOpaqueDimensions(const oxArray* a);
 void completeDimensions(const oxArray* a);
 std::size_t getElementSize(oxClassID classId); // bytes of one real element; 0 for non-numeric
@@ -104,6 +112,9 @@ using ArrayPtr = std::unique_ptr<oxArray, detail::oxDestroy_deleter>;
 template <class T> oxArray* createScalar(T value);
 oxArray* createCharArray(Dims dims, std::u16string_view codeUnits); // column-major
 oxArray* createCharRow(std::u16string_view text);
+// Sparse arrays carry their class, shape and flags only; getData yields null, as it
+// does for every array without numeric data. Arrays that store no elements here
+// accept any dimensions; rejectUnsupportedShape refuses the ones too large to count.
 oxArray* createSparseDouble(std::size_t rows, std::size_t cols, bool complex);
 oxArray* createCell(Dims dims);
 oxArray* createStruct(Dims dims, std::vector<std::string> fieldNames);
@@ -112,13 +123,26 @@ oxArray* createOpaque(Dims dims);
 // A class-object array holding a shared payload (a host string, an LxeObject, ...).
 oxArray* createObject(oxClassID classId, Dims dims, std::shared_ptr<void> payload);
 std::shared_ptr<void> getObjectPayload(const oxArray* a);
-// An array whose dimensions are kept opaque until completeDimensions runs.
+// A numeric array whose dimensions are kept opaque until completeDimensions, or any
+// query that needs them, completes them (once, safely from several threads).
 oxArray* createWithOpaqueDimensions(Dims dims, oxClassID classId, oxComplexity complexity);
 oxArray* duplicateArray(const oxArray* a); // deep copy, new array not temporary
+// A second array over the same numeric data (no copy); both are marked shared-data, so
+// neither may be reused as an output in place.
+oxArray* createSharedDataCopy(oxArray* a);
+
+// --- elements of cell, struct and function-handle arrays ---
+const oxArray* getCell(const oxArray* cell, std::size_t index); // null for an empty cell
+// Takes over one reference of the element, even when it throws for a bad index.
+void setCell(oxArray* cell, std::size_t index, oxArray* element);
+const std::vector<std::string>& getFieldNames(const oxArray* structArray);
+const std::string& getFunctionName(const oxArray* functionHandle);
 
 // --- warnings ---
 using WarningHandler = std::function<void(const fl::ustring&)>;
 void handleWarning(const fl::ustring& message);
-WarningHandler setWarningHandler(WarningHandler handler); // returns the previous one
+// Returns the previous handler; an empty handler reinstates the default, which writes
+// "Warning: " and the text in UTF-8 to standard error.
+WarningHandler setWarningHandler(WarningHandler handler);
 
 } // namespace matrix

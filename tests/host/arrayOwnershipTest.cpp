@@ -1,0 +1,93 @@
+#include <matrix/oxArray.hpp>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using matrix::ArrayPtr;
+
+TEST(ArrayHandles, NullHandlesRaiseLogicErrorsNamingTheFunction) {
+    try {
+        matrix::getClassID(nullptr);
+        ADD_FAILURE() << "null handle accepted";
+    } catch (const std::logic_error& error) {
+        EXPECT_STREQ(error.what(), "matrix::getClassID: null oxArray handle");
+    }
+    const std::vector<std::function<void()>> queries = {
+        [] { matrix::getDimensions(nullptr); },        [] { matrix::getNumberOfElements(nullptr); },
+        [] { matrix::isComplex(nullptr); },            [] { matrix::isTemporary(nullptr); },
+        [] { matrix::getData(static_cast<oxArray*>(nullptr)); },
+        [] { matrix::addReference(nullptr); },         [] { matrix::setTemporary(nullptr, true); },
+        [] { matrix::rejectUnsupportedShape(nullptr); }, [] { matrix::duplicateArray(nullptr); },
+        [] { matrix::completeDimensions(nullptr); },   [] { matrix::getCell(nullptr, 0); },
+    };
+    for (const auto& query : queries) EXPECT_THROW(query(), std::logic_error);
+    EXPECT_NO_THROW(matrix::destroyArray(nullptr));
+}
+
+TEST(ArrayHandles, ReferencesMarksAndSharedData) {
+    oxArray* array = matrix::createScalar(1.5);
+    EXPECT_EQ(matrix::addReference(array), array);
+    EXPECT_EQ(matrix::getReferenceCount(array), 2u);
+    matrix::destroyArray(array);
+    EXPECT_EQ(matrix::getReferenceCount(array), 1u);
+
+    matrix::setTemporary(array, true);
+    EXPECT_TRUE(matrix::isTemporary(array));
+    matrix::clearTemporary(array);
+    EXPECT_FALSE(matrix::isTemporary(array));
+    matrix::setForeignStorage(array, true);
+    EXPECT_FALSE(matrix::isOrdinaryStorage(array));
+
+    const ArrayPtr shared(matrix::createSharedDataCopy(array));
+    EXPECT_TRUE(matrix::isSharedData(array) && matrix::isSharedData(shared.get()));
+    EXPECT_EQ(matrix::getData(shared.get()), matrix::getData(array));
+    matrix::setTemporary(array, true);
+    matrix::destroyArray(array); // the shared copy keeps the data alive
+    EXPECT_EQ(*matrix::getTypedData<double>(shared.get()), 1.5);
+
+    const ArrayPtr copy(matrix::duplicateArray(shared.get()));
+    EXPECT_NE(matrix::getData(copy.get()), matrix::getData(shared.get()));
+    EXPECT_FALSE(matrix::isSharedData(copy.get()) || matrix::isTemporary(copy.get()));
+    EXPECT_EQ(*matrix::getTypedData<double>(copy.get()), 1.5);
+}
+
+TEST(ArrayHandles, OpaqueDimensionsCompleteOnceAcrossThreads) {
+    const std::size_t dims[] = {2, 3, 4};
+    const ArrayPtr array(matrix::createWithOpaqueDimensions(dims, oxINT16_CLASS, oxCOMPLEX));
+    EXPECT_TRUE(matrix::hasOpaqueDimensions(array.get()));
+    std::vector<std::thread> threads;
+    std::vector<std::size_t> counts(8);
+    for (std::size_t t = 0; t < counts.size(); ++t) {
+        threads.emplace_back([&, t] {
+            counts[t] = matrix::getNumberOfElements(array.get()) * matrix::getNumberOfDimensions(array.get());
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (const std::size_t count : counts) EXPECT_EQ(count, 24u * 3u);
+    EXPECT_FALSE(matrix::hasOpaqueDimensions(array.get()));
+    EXPECT_EQ(matrix::getDimensions(array.get())[2], 4u);
+    EXPECT_TRUE(matrix::isComplex(array.get()));
+}
+
+TEST(Warnings, GoToTheInstalledHandlerOrToStandardError) {
+    std::vector<fl::ustring> seen;
+    matrix::WarningHandler previous = matrix::setWarningHandler([&](const fl::ustring& warning) {
+        seen.push_back(warning);
+        matrix::setWarningHandler(matrix::setWarningHandler(nullptr)); // re-entering must not deadlock
+    });
+    matrix::handleWarning(u"careful");
+    EXPECT_EQ(seen, std::vector<fl::ustring>{u"careful"});
+
+    matrix::setWarningHandler(nullptr);
+    testing::internal::CaptureStderr();
+    matrix::handleWarning(u"gr\u00F6\u00DFe");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Warning: gr\xC3\xB6\xC3\x9F" "e\n");
+    matrix::setWarningHandler(previous);
+}
+
+} // namespace
