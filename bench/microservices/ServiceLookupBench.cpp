@@ -1,0 +1,76 @@
+// Finding one service among 100 of an interface by an LDAP filter, against the floor of a
+// hand-written scan over 100 property maps comparing one key.
+#include <cppmicroservices/BundleContext.h>
+#include <cppmicroservices/Framework.h>
+#include <cppmicroservices/FrameworkFactory.h>
+
+#include <benchmark/benchmark.h>
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace {
+
+constexpr int SERVICES = 100;
+constexpr int WANTED = 42;
+
+class BenchService {
+public:
+    virtual ~BenchService() = default;
+    virtual int index() const = 0;
+};
+
+class IndexedService final : public BenchService {
+public:
+    explicit IndexedService(int index) : index_(index) {}
+    int index() const override { return index_; }
+
+private:
+    int index_;
+};
+
+std::string nameOf(int index)
+{
+    return "service-" + std::to_string(index);
+}
+
+void BM_ServiceLookupWithFilter(benchmark::State& state)
+{
+    auto framework = cppmicroservices::FrameworkFactory().NewFramework();
+    framework.Start();
+    auto context = framework.GetBundleContext();
+    for (int i = 0; i < SERVICES; ++i) {
+        context.RegisterService<BenchService>(std::make_shared<IndexedService>(i),
+                                              {{"name", nameOf(i)}, {"index", i}, {"group", i % 4}});
+    }
+    const std::string filter = "(name=" + nameOf(WANTED) + ")";
+    for (auto _ : state) {
+        const auto references = context.GetServiceReferences<BenchService>(filter);
+        benchmark::DoNotOptimize(references.front());
+    }
+}
+BENCHMARK(BM_ServiceLookupWithFilter);
+
+void BM_RawServiceLookup(benchmark::State& state)
+{
+    std::vector<std::unordered_map<std::string, std::string>> properties;
+    for (int i = 0; i < SERVICES; ++i) {
+        properties.push_back({{"name", nameOf(i)}, {"index", std::to_string(i)}, {"group", std::to_string(i % 4)}});
+    }
+    const std::string wanted = nameOf(WANTED);
+    for (auto _ : state) {
+        const std::unordered_map<std::string, std::string>* found = nullptr;
+        for (const auto& map : properties) {
+            const auto position = map.find("name");
+            if (position != map.end() && position->second == wanted) {
+                found = &map;
+                break;
+            }
+        }
+        benchmark::DoNotOptimize(found);
+    }
+}
+BENCHMARK(BM_RawServiceLookup);
+
+} // namespace

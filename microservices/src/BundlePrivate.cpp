@@ -1,0 +1,165 @@
+#include "BundlePrivate.h"
+
+#include "CoreContext.h"
+
+#include "cppmicroservices/Constants.h"
+
+#include <stdexcept>
+
+namespace cppmicroservices::detail {
+
+namespace {
+
+AnyMap systemHeaders()
+{
+    AnyMap headers(AnyMap::UNORDERED_MAP_CASEINSENSITIVE_KEYS);
+    headers["symbolic_name"] = Constants::SYSTEM_BUNDLE_SYMBOLICNAME;
+    return headers;
+}
+
+std::string describe(const std::exception_ptr& failure)
+{
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (...) {
+        return "an exception that is not a std::exception";
+    }
+}
+
+} // namespace
+
+BundlePrivate::BundlePrivate(long id, BundleManifest manifest, std::weak_ptr<CoreContext> core)
+    : id_(id),
+      location_(manifest.directory.string()),
+      symbolicName_(manifest.symbolicName),
+      headers_(std::move(manifest.headers)),
+      hasActivator_(manifest.hasActivator),
+      core_(std::move(core)),
+      state_(Bundle::STATE_INSTALLED),
+      library_(std::in_place, std::move(manifest.library))
+{
+}
+
+BundlePrivate::BundlePrivate(std::weak_ptr<CoreContext> core)
+    : id_(0),
+      location_(Constants::SYSTEM_BUNDLE_LOCATION),
+      symbolicName_(Constants::SYSTEM_BUNDLE_SYMBOLICNAME),
+      headers_(systemHeaders()),
+      hasActivator_(false),
+      core_(std::move(core)),
+      state_(Bundle::STATE_INSTALLED)
+{
+}
+
+std::shared_ptr<CoreContext> BundlePrivate::core() const
+{
+    auto core = core_.lock();
+    if (!core) {
+        throw std::runtime_error("the framework of bundle '" + symbolicName_ + "' no longer exists");
+    }
+    return core;
+}
+
+std::shared_ptr<BundleContextPrivate> BundlePrivate::context() const
+{
+    const std::lock_guard lock(contextMutex_);
+    return context_;
+}
+
+std::shared_ptr<BundleContextPrivate> BundlePrivate::openContext()
+{
+    auto context = std::make_shared<BundleContextPrivate>(weak_from_this(), core_);
+    const std::lock_guard lock(contextMutex_);
+    context_ = context;
+    return context;
+}
+
+void BundlePrivate::closeContext()
+{
+    std::shared_ptr<BundleContextPrivate> closed;
+    {
+        const std::lock_guard lock(contextMutex_);
+        closed.swap(context_);
+    }
+    if (closed) {
+        closed->invalidate();
+    }
+}
+
+void BundlePrivate::start(CoreContext& core)
+{
+    const Bundle::State current = state();
+    if (current == Bundle::STATE_ACTIVE || current == Bundle::STATE_STARTING) {
+        return;
+    }
+    if (!core.running()) {
+        throw std::runtime_error("cannot start bundle '" + symbolicName_ + "': the framework is not running");
+    }
+    library_->load(symbolicName_);
+    if (hasActivator_) {
+        createActivator();
+    }
+    setState(Bundle::STATE_STARTING);
+    const auto context = openContext();
+    try {
+        if (activator_ != nullptr) {
+            activator_->Start(ContextAccess::make(context));
+        }
+    } catch (...) {
+        const std::string reason = describe(std::current_exception());
+        deactivate(core);
+        throw std::runtime_error("bundle '" + symbolicName_ + "' failed to start: " + reason);
+    }
+    setState(Bundle::STATE_ACTIVE);
+}
+
+void BundlePrivate::stop(CoreContext& core)
+{
+    if (state() != Bundle::STATE_ACTIVE) {
+        return;
+    }
+    setState(Bundle::STATE_STOPPING);
+    std::exception_ptr failure;
+    if (activator_ != nullptr) {
+        try {
+            activator_->Stop(ContextAccess::make(context()));
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }
+    deactivate(core);
+    if (failure) {
+        throw std::runtime_error("bundle '" + symbolicName_ + "' failed to stop: " + describe(failure));
+    }
+}
+
+void BundlePrivate::createActivator()
+{
+    const std::string createName = "builtin2_create_activator_" + symbolicName_;
+    const std::string destroyName = "builtin2_destroy_activator_" + symbolicName_;
+    const auto create = reinterpret_cast<CreateActivator>(library_->symbol(createName));
+    destroyActivator_ = reinterpret_cast<DestroyActivator>(library_->symbol(destroyName));
+    if (create == nullptr || destroyActivator_ == nullptr) {
+        throw std::runtime_error("the library '" + library_->path().string() + "' of bundle '" + symbolicName_ +
+                                 "' does not export " + (create == nullptr ? createName : destroyName));
+    }
+    activator_ = create();
+    if (activator_ == nullptr) {
+        throw std::runtime_error(createName + " in '" + library_->path().string() + "' returned no activator");
+    }
+}
+
+void BundlePrivate::deactivate(CoreContext& core)
+{
+    closeContext();
+    core.registry().removeAllOf(shared_from_this());
+    if (activator_ != nullptr) {
+        destroyActivator_(activator_);
+        activator_ = nullptr;
+    }
+    setState(Bundle::STATE_RESOLVED);
+}
+
+} // namespace cppmicroservices::detail

@@ -1,0 +1,163 @@
+#include "CoreContext.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace cppmicroservices::detail {
+
+std::shared_ptr<CoreContext> CoreContext::create(FrameworkConfiguration configuration)
+{
+    std::shared_ptr<CoreContext> core(new CoreContext(std::move(configuration)));
+    core->systemBundle_ = std::make_shared<BundlePrivate>(core);
+    core->bundles_.push_back(core->systemBundle_);
+    return core;
+}
+
+CoreContext::CoreContext(FrameworkConfiguration configuration) : configuration_(std::move(configuration)) {}
+
+std::weak_ptr<FrameworkOwner> CoreContext::owner() const
+{
+    const std::lock_guard lock(bundlesMutex_);
+    return owner_;
+}
+
+void CoreContext::setOwner(std::weak_ptr<FrameworkOwner> owner)
+{
+    const std::lock_guard lock(bundlesMutex_);
+    owner_ = std::move(owner);
+}
+
+bool CoreContext::running() const
+{
+    const Bundle::State state = systemBundle_->state();
+    return state == Bundle::STATE_STARTING || state == Bundle::STATE_ACTIVE;
+}
+
+void CoreContext::initFramework()
+{
+    const std::lock_guard lock(lifecycleMutex_);
+    if (running()) {
+        return;
+    }
+    systemBundle_->openContext();
+    systemBundle_->setState(Bundle::STATE_STARTING);
+}
+
+void CoreContext::startFramework()
+{
+    const std::lock_guard lock(lifecycleMutex_);
+    initFramework();
+    systemBundle_->setState(Bundle::STATE_ACTIVE);
+}
+
+void CoreContext::stopFramework()
+{
+    {
+        const std::lock_guard lock(lifecycleMutex_);
+        if (!running()) {
+            return;
+        }
+        systemBundle_->setState(Bundle::STATE_STOPPING);
+        auto installed = bundles();
+        std::reverse(installed.begin(), installed.end());
+        for (const auto& bundle : installed) {
+            if (bundle != systemBundle_) {
+                try {
+                    bundle->stop(*this);
+                } catch (const std::exception&) {
+                    // A bundle that fails to stop is stopped regardless; the framework goes on.
+                }
+            }
+        }
+        systemBundle_->closeContext();
+        registry_->removeAll();
+        const std::lock_guard stopLock(stopMutex_);
+        systemBundle_->setState(Bundle::STATE_RESOLVED);
+    }
+    stopped_.notify_all();
+}
+
+FrameworkEvent CoreContext::waitForStop(std::chrono::milliseconds timeout)
+{
+    const auto isStopped = [this] {
+        const Bundle::State state = systemBundle_->state();
+        return state != Bundle::STATE_STARTING && state != Bundle::STATE_ACTIVE && state != Bundle::STATE_STOPPING;
+    };
+    std::unique_lock lock(stopMutex_);
+    if (timeout.count() == 0) {
+        stopped_.wait(lock, isStopped);
+    } else if (!stopped_.wait_for(lock, timeout, isStopped)) {
+        return FrameworkEvent(FrameworkEvent::FRAMEWORK_WAIT_TIMEDOUT, BundleAccess::make(systemBundle_));
+    }
+    return FrameworkEvent(FrameworkEvent::FRAMEWORK_STOPPED, BundleAccess::make(systemBundle_));
+}
+
+void CoreContext::startBundle(BundlePrivate& bundle)
+{
+    const std::lock_guard lock(lifecycleMutex_);
+    bundle.start(*this);
+}
+
+void CoreContext::stopBundle(BundlePrivate& bundle)
+{
+    const std::lock_guard lock(lifecycleMutex_);
+    bundle.stop(*this);
+}
+
+std::vector<std::shared_ptr<BundlePrivate>> CoreContext::installBundles(const std::string& location)
+{
+    const std::lock_guard lifecycleLock(lifecycleMutex_);
+    std::vector<BundleManifest> manifests;
+    for (const auto& directory : bundleDirectoriesAt(location)) {
+        manifests.push_back(readBundleManifest(directory));
+    }
+
+    const std::lock_guard lock(bundlesMutex_);
+    std::vector<std::shared_ptr<BundlePrivate>> result(manifests.size());
+    std::vector<std::string> newNames;
+    for (std::size_t i = 0; i < manifests.size(); ++i) {
+        const BundleManifest& manifest = manifests[i];
+        for (const auto& bundle : bundles_) {
+            if (bundle->location() == manifest.directory.string()) {
+                result[i] = bundle;
+            } else if (bundle->symbolicName() == manifest.symbolicName) {
+                throw std::runtime_error("cannot install bundle '" + manifest.symbolicName + "' from '" +
+                                         manifest.directory.string() + "': a bundle of that name is installed from '" +
+                                         bundle->location() + "'");
+            }
+        }
+        if (!result[i] && std::find(newNames.begin(), newNames.end(), manifest.symbolicName) != newNames.end()) {
+            throw std::runtime_error("cannot install bundles from '" + location + "': two bundles are named '" +
+                                     manifest.symbolicName + "'");
+        }
+        newNames.push_back(manifest.symbolicName);
+    }
+    for (std::size_t i = 0; i < manifests.size(); ++i) {
+        if (!result[i]) {
+            result[i] = std::make_shared<BundlePrivate>(static_cast<long>(bundles_.size()), std::move(manifests[i]),
+                                                        weak_from_this());
+            bundles_.push_back(result[i]);
+        }
+    }
+    return result;
+}
+
+std::vector<std::shared_ptr<BundlePrivate>> CoreContext::bundles() const
+{
+    const std::lock_guard lock(bundlesMutex_);
+    return bundles_;
+}
+
+std::shared_ptr<BundlePrivate> CoreContext::bundle(long id) const
+{
+    const std::lock_guard lock(bundlesMutex_);
+    return id >= 0 && static_cast<std::size_t>(id) < bundles_.size() ? bundles_[static_cast<std::size_t>(id)]
+                                                                      : nullptr;
+}
+
+FrameworkOwner::~FrameworkOwner()
+{
+    core_->stopFramework();
+}
+
+} // namespace cppmicroservices::detail

@@ -1,0 +1,96 @@
+#include "cppmicroservices/ServiceReferenceBase.h"
+
+#include "BundlePrivate.h"
+#include "ServiceRecord.h"
+
+#include <algorithm>
+
+namespace cppmicroservices {
+
+ServiceReferenceBase::ServiceReferenceBase(std::shared_ptr<detail::ServiceRecord> record, std::string_view interfaceId)
+    : record_(std::move(record)), interfaceId_(interfaceId)
+{
+}
+
+ServiceReferenceBase::operator bool() const
+{
+    return record_ != nullptr;
+}
+
+Any ServiceReferenceBase::GetProperty(const std::string& key) const
+{
+    return record_ ? record_->property(key) : Any();
+}
+
+void ServiceReferenceBase::GetPropertyKeys(std::vector<std::string>& keys) const
+{
+    keys = GetPropertyKeys();
+}
+
+std::vector<std::string> ServiceReferenceBase::GetPropertyKeys() const
+{
+    return record_ ? record_->propertyKeys() : std::vector<std::string>();
+}
+
+Bundle ServiceReferenceBase::GetBundle() const
+{
+    if (!record_ || !record_->registered()) {
+        return Bundle();
+    }
+    auto bundle = record_->bundle().lock();
+    return bundle ? detail::BundleAccess::make(std::move(bundle)) : Bundle();
+}
+
+std::string ServiceReferenceBase::GetInterfaceId() const
+{
+    return std::string(interfaceId_);
+}
+
+bool ServiceReferenceBase::IsConvertibleTo(const std::string& interfaceId) const
+{
+    if (!record_) {
+        return false;
+    }
+    const auto& interfaces = record_->interfaces();
+    return std::find(interfaces.begin(), interfaces.end(), interfaceId) != interfaces.end();
+}
+
+bool ServiceReferenceBase::operator<(const ServiceReferenceBase& other) const
+{
+    if (!record_ || !other.record_) {
+        return !record_ && other.record_;
+    }
+    const int ranking = record_->ranking();
+    const int otherRanking = other.record_->ranking();
+    if (ranking != otherRanking) {
+        return ranking < otherRanking;
+    }
+    return record_->id() > other.record_->id();
+}
+
+bool ServiceReferenceBase::operator==(const ServiceReferenceBase& other) const
+{
+    return record_ == other.record_;
+}
+
+std::size_t ServiceReferenceBase::Hash() const
+{
+    return std::hash<const void*>()(record_.get());
+}
+
+void ServiceReferenceBase::selectInterface(const std::string& interfaceId)
+{
+    if (!record_ || interfaceId_ == interfaceId) {
+        return;
+    }
+    for (const std::string& name : record_->interfaces()) {
+        if (name == interfaceId) {
+            interfaceId_ = name;
+            return;
+        }
+    }
+    record_.reset();
+    interfaceId_ = {};
+}
+
+} // namespace cppmicroservices

@@ -1,0 +1,50 @@
+// Every registered service of one framework, indexed by interface name and kept in
+// lookup order (highest ranking, then lowest id) so that lookups only filter.
+#pragma once
+
+#include "ServiceRecord.h"
+
+#include "cppmicroservices/BundleContext.h"
+
+#include <memory>
+#include <shared_mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace cppmicroservices::detail {
+
+class ServiceRegistry : public std::enable_shared_from_this<ServiceRegistry> {
+public:
+    // Throws std::invalid_argument for an empty map or a service.ranking that is not an
+    // integer in the range of int.
+    std::shared_ptr<ServiceRecord> add(const InterfaceMapConstPtr& services, const ServiceProperties& properties,
+                                       const std::shared_ptr<BundlePrivate>& owner);
+
+    // Throws std::logic_error when the record is no longer registered.
+    void remove(ServiceRecord& record);
+    void setProperties(ServiceRecord& record, const ServiceProperties& properties);
+
+    void removeAllOf(const std::shared_ptr<BundlePrivate>& owner);
+    void removeAll();
+
+    // Passes each registered service under interfaceId (every service when it is empty)
+    // that matches the filter (every one when null) to sink, in lookup order.
+    void collect(const std::string& interfaceId, const FilterNode* filter, ReferenceSink sink, void* state) const;
+
+private:
+    using RecordList = std::vector<std::shared_ptr<ServiceRecord>>;
+
+    PropertyTable propertyTable(long id, const std::vector<std::string>& interfaces,
+                                const ServiceProperties& properties, int& ranking) const;
+    void index(const std::shared_ptr<ServiceRecord>& record);
+    void unindex(const ServiceRecord& record);
+    void withdrawAll(const std::vector<std::shared_ptr<ServiceRecord>>& records);
+
+    mutable std::shared_mutex mutex_;
+    long nextId_ = 1;
+    std::unordered_map<std::string, RecordList> byInterface_;
+    RecordList all_;
+};
+
+} // namespace cppmicroservices::detail
