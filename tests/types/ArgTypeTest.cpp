@@ -65,7 +65,7 @@ TEST(ArgType, CompatibilityMatrixKeepsItsAsymmetries) {
               (std::vector<std::string>{"1000001", "0100000", "0010000", "0101000", "0000100", "0101010", "1000001"}));
     const ArgType objectArray = array(classId(42), Shape::UNKNOWN, Density::UNKNOWN, Complexity::UNKNOWN, ANY_DIMS);
     EXPECT_TRUE(isCompatible(LxeObjectTypes(classId(42), 7, false), objectArray));
-    const ArgType stringArray = array(oxUNKNOWN_CLASS, Shape::SCALAR, Density::FULL, Complexity::NOT_COMPLEX, 0);
+    const ArgType stringArray = array(OrvexStringType::getOcosClassId(), Shape::SCALAR, Density::FULL, Complexity::NOT_COMPLEX, 0);
     EXPECT_TRUE(isCompatible(stringArray, OrvexStringType(OrvexStringType::Shape::SCALAR)));
     EXPECT_FALSE(isCompatible(stringArray, FlagInputType(u"x")));
 }

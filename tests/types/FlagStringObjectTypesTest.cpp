@@ -1,6 +1,7 @@
 #include "TypeSamples.hpp"
 
 #include <fl/i18n.hpp>
+#include <ocos/ClassRegistry.hpp>
 
 #include <gtest/gtest.h>
 
@@ -47,7 +48,7 @@ TEST(OrvexStringType, AcceptanceOrderingSupportAndText) {
     EXPECT_TRUE(scalarString < scalarString);
     EXPECT_FALSE(anyString < scalarString);
     EXPECT_EQ(anyString.hash(), hashCombine(0, 1));
-    EXPECT_EQ(OrvexStringType::getOcosClassId(), oxUNKNOWN_CLASS);
+    EXPECT_EQ(OrvexStringType::getOcosClassId(), ocos::STRING_CLASS_ID);
     EXPECT_EQ(scalarString.getLxeSupportLevel(INPUT), LxeSupportLevel::NO_SUPPORT);
     EXPECT_EQ(scalarString.getLxeSupportLevel(OUTPUT), LxeSupportLevel::EQUIVALENT_SUPPORT);
     EXPECT_EQ(anyString.getGreaterPrecedenceTypes(), ArgTypeList{anyString});

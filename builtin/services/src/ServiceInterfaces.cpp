@@ -1,0 +1,22 @@
+// The service interfaces' destructors live here, so that their type information and
+// virtual tables have one home in the library that publishes the interfaces.
+#include <builtin/services/IBuiltinModule.hpp>
+#include <builtin/services/ILxeObjectModuleMgr.hpp>
+#include <builtin/services/ILxeObjectRegister.hpp>
+#include <builtin/services/IOCOSRegWrapper.hpp>
+#include <builtin/services/StringSupport.hpp>
+
+namespace Velloc::builtin {
+
+IBuiltinModule::~IBuiltinModule() = default;
+StringSupport::~StringSupport() = default;
+IOCOSRegWrapper::~IOCOSRegWrapper() = default;
+ILxeObjectRegister::~ILxeObjectRegister() = default;
+
+oxClassID IOCOSRegWrapper::getClassID(const oxArray* array) const { return matrix::getClassID(array); }
+
+namespace builtinreg {
+ILxeObjectModuleMgr::~ILxeObjectModuleMgr() = default;
+} // namespace builtinreg
+
+} // namespace Velloc::builtin
