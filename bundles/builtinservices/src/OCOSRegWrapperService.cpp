@@ -15,4 +15,9 @@ oxClassID OCOSRegWrapperService::getClassIdByName(const std::string& name) const
     return found != nullptr ? found->getId() : oxUNKNOWN_CLASS;
 }
 
+// The host holds no engine objects yet: nothing converts either way.
+oxArray* OCOSRegWrapperService::lxeObjectToOxArray(Velloc::lxe::LxeObject*, const oxArray*) const { return nullptr; }
+
+Velloc::lxe::LxeObject* OCOSRegWrapperService::oxArrayToLxeObject(const oxArray*) const { return nullptr; }
+
 } // namespace builtinservices

@@ -10,6 +10,8 @@ public:
     bool registerPackageFunction(const std::vector<std::string>& packageParts, const std::string& functionName,
                                  Ofh_ORVEX_fn* function) override;
     oxClassID getClassIdByName(const std::string& name) const override;
+    oxArray* lxeObjectToOxArray(Velloc::lxe::LxeObject* object, const oxArray* like) const override;
+    Velloc::lxe::LxeObject* oxArrayToLxeObject(const oxArray* array) const override;
 };
 
 } // namespace builtinservices
