@@ -1,5 +1,6 @@
 // The service interfaces' destructors live here, so that their type information and
 // virtual tables have one home in the library that publishes the interfaces.
+#include <builtin/services/IBuiltinLibrary.hpp>
 #include <builtin/services/IBuiltinModule.hpp>
 #include <builtin/services/ILxeObjectModuleMgr.hpp>
 #include <builtin/services/ILxeObjectRegister.hpp>
@@ -9,6 +10,7 @@
 namespace Velloc::builtin {
 
 IBuiltinModule::~IBuiltinModule() = default;
+IBuiltinLibrary::~IBuiltinLibrary() = default;
 StringSupport::~StringSupport() = default;
 IOCOSRegWrapper::~IOCOSRegWrapper() = default;
 ILxeObjectRegister::~ILxeObjectRegister() = default;

@@ -1,0 +1,80 @@
+// Cleaning and partitioning a large variant list, against copying and sorting it, the
+// least that any cleanup has to do.
+#include <builtin/builtinreg/BuiltinVariantLists.hpp>
+#include <builtin/builtinreg/MakeVariant.hpp>
+#include <builtin/builtinreg/VariantListHelpers.hpp>
+
+#include <benchmark/benchmark.h>
+
+#include <random>
+#include <set>
+
+namespace {
+
+using namespace Velloc::builtin;
+namespace lxe = Velloc::lxe;
+namespace types = Velloc::builtin::types;
+
+Parameter neverCalled(const lxe::LxeFunctionDescriptor&, lxe::ILxeBuiltinEnvironment&, bool&, const Parameter*) {
+    return {};
+}
+
+// Distinct input lists of one to four positions over a small alphabet of declarations,
+// a quarter of them calling into the language.
+std::vector<BuiltinVariant> manyVariants(std::size_t count) {
+    const auto relaxed = [](types::OxArrayTypes type) {
+        type.setSignatureTolerance(types::SignatureTolerance::RELAXED);
+        return types::ArgType(type);
+    };
+    std::vector<types::ArgType> alphabet;
+    for (oxClassID id : {oxDOUBLE_CLASS, oxSINGLE_CLASS, oxINT8_CLASS, oxINT32_CLASS, oxLOGICAL_CLASS}) {
+        const types::ArgType scalar = types::NumericScalarTypes(id, types::NumericScalarTypes::Complexity::NOT_COMPLEX);
+        alphabet.push_back(scalar);
+        alphabet.push_back(types::asElementWiseArrayType(scalar));
+    }
+    alphabet.push_back(relaxed(types::OxArrayTypes::fullyOpen()));
+    std::mt19937 random(7);
+    std::set<std::vector<std::size_t>> seen;
+    std::vector<BuiltinVariant> variants;
+    using B = BuiltinVariant;
+    while (variants.size() < count) {
+        std::vector<std::size_t> picks(1 + random() % 4);
+        for (auto& pick : picks) {
+            pick = random() % alphabet.size();
+        }
+        if (!seen.insert(picks).second) {
+            continue;
+        }
+        std::vector<types::ArgType> inputs;
+        for (std::size_t pick : picks) {
+            inputs.push_back(alphabet[pick]);
+        }
+        variants.emplace_back(nullptr, lxe::LxeFunctionDescriptor(&neverCalled, nullptr, lxe::Plain), std::move(inputs),
+                              std::vector<types::ArgType>{alphabet.back()}, B::CallsIntoOrvex{random() % 4 == 0},
+                              B::HasWarnings::NO, B::HasExceptions::NO, B::HasSideEffects::NO, "f", "f", "",
+                              B::IsElementWise::NO);
+    }
+    return variants;
+}
+
+void BM_CleanupVariants(benchmark::State& state) {
+    const std::vector<BuiltinVariant> variants = manyVariants(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        std::vector<BuiltinVariant> copy = variants;
+        builtinreg::BuiltinVariantLists lists(std::move(copy));
+        benchmark::DoNotOptimize(lists.all.data());
+    }
+}
+BENCHMARK(BM_CleanupVariants)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+void BM_CopyAndSortVariants(benchmark::State& state) {
+    const std::vector<BuiltinVariant> variants = manyVariants(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        std::vector<BuiltinVariant> copy = variants;
+        builtinreg::detail::sortVariants(copy);
+        benchmark::DoNotOptimize(copy.data());
+    }
+}
+BENCHMARK(BM_CopyAndSortVariants)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+} // namespace

@@ -1,0 +1,103 @@
+// The cost of a builtin call through invoke, against the floor of any scalar call that
+// creates its output: an indirect call and one allocation of an array's size.
+#include <builtin/builtinreg/MakeVariant.hpp>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace {
+
+using namespace Velloc::builtin;
+using namespace Velloc::builtin::builtinreg;
+
+double plusDouble(double a, double b) { return a + b; }
+
+void BM_Floor(benchmark::State& state) {
+    double (*volatile function)(double, double) = &plusDouble;
+    double a = 1;
+    double b = 2;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(a);
+        void* result = std::malloc(72);
+        benchmark::DoNotOptimize(result);
+        *static_cast<double*>(result) = function(a, b);
+        benchmark::ClobberMemory();
+        std::free(result);
+    }
+}
+BENCHMARK(BM_Floor);
+
+const BuiltinFcn& plusBuiltin() {
+    static const BuiltinVariantLists lists{makeVariants<&plusDouble>("plus", {.isElementWise = true})};
+    static const RegisteredBuiltin builtin("plus", "bench", "", lists, noDefaultImplementation("plus"));
+    return builtin;
+}
+
+void BM_InvokeScalarPlus(benchmark::State& state) {
+    const BuiltinFcn& plus = plusBuiltin();
+    matrix::ArrayPtr a(matrix::createScalar<double>(1));
+    matrix::ArrayPtr b(matrix::createScalar<double>(2));
+    oxArray* args[] = {a.get(), b.get()};
+    for (auto _ : state) {
+        oxArray* result = nullptr;
+        plus.invoke(1, &result, 2, args, BuiltinFcn::NoLxe);
+        benchmark::DoNotOptimize(result);
+        matrix::destroyArray(result);
+    }
+}
+BENCHMARK(BM_InvokeScalarPlus);
+
+template <class T>
+T same(T a, T) {
+    return a;
+}
+
+oxArray* anyPair(const oxArray*, const oxArray*) { return matrix::createScalar<double>(1); }
+
+// Fifteen element-wise variants that each look at the arguments and refuse them, then
+// one over host arrays that takes them.
+const BuiltinFcn& sixteenBuiltin() {
+    static const BuiltinVariantLists lists{
+        makeVariants<&same<double>>("f", {.isElementWise = true}),
+        makeVariants<&same<float>>("f", {.isElementWise = true}),
+        makeVariants<&same<bool>>("f", {.isElementWise = true}),
+        makeVariants<&same<std::int8_t>>("f", {.isElementWise = true}),
+        makeVariants<&same<std::uint8_t>>("f", {.isElementWise = true}),
+        makeVariants<&same<std::int16_t>>("f", {.isElementWise = true}),
+        makeVariants<&same<std::uint16_t>>("f", {.isElementWise = true}),
+        makeVariants<&same<std::int32_t>>("f", {.isElementWise = true}),
+        makeVariants<&same<std::uint32_t>>("f", {.isElementWise = true}),
+        makeVariants<&same<std::int64_t>>("f", {.isElementWise = true}),
+        makeVariants<&same<std::uint64_t>>("f", {.isElementWise = true}),
+        makeVariants<&same<std::complex<double>>>("f", {.isElementWise = true}),
+        makeVariants<&same<std::complex<float>>>("f", {.isElementWise = true}),
+        makeVariants<&same<double>>("f", {.isElementWise = true, .cppFunctionName = "sameAgain"}),
+        makeVariants<&same<float>>("f", {.isElementWise = true, .cppFunctionName = "sameSingleAgain"}),
+        makeVariants<&anyPair>("f"),
+    };
+    static const RegisteredBuiltin builtin("f", "bench", "", lists, noDefaultImplementation("f"));
+    return builtin;
+}
+
+void BM_InvokeSixteenVariantsLastMatches(benchmark::State& state) {
+    const BuiltinFcn& f = sixteenBuiltin();
+    if (f.getSearchedByInvokeNoLxe().size() != 16 ||
+        f.getSearchedByInvokeNoLxe().back().cppFunctionName.find("anyPair") == std::string::npos) {
+        state.SkipWithError("the list is not sixteen variants with the host-array one last");
+        return;
+    }
+    matrix::ArrayPtr a(matrix::createCharRow(u"a"));
+    matrix::ArrayPtr b(matrix::createCharRow(u"b"));
+    oxArray* args[] = {a.get(), b.get()};
+    for (auto _ : state) {
+        oxArray* result = nullptr;
+        f.invoke(1, &result, 2, args, BuiltinFcn::NoLxe);
+        benchmark::DoNotOptimize(result);
+        matrix::destroyArray(result);
+    }
+}
+BENCHMARK(BM_InvokeSixteenVariantsLastMatches);
+
+} // namespace

@@ -1,0 +1,127 @@
+// What a builtin author writes. Each developer function becomes one variant per input
+// signature that its C++ parameter types stand for:
+//
+//     double plusDouble(double a, double b) { return a + b; }
+//     oxArray* plusArrays(const oxArray* a, const oxArray* b);
+//
+//     const BuiltinVariantLists& plusLists() {
+//         static const BuiltinVariantLists lists{
+//             makeVariants<&plusDouble>("plus", {.isElementWise = true}),
+//             makeVariants<&plusArrays>("plus", {.mayThrowErrors = true}),
+//         };
+//         return lists;
+//     }
+//     RegisteredBuiltin plus("plus", "sample", "adds two arrays", plusLists(), noDefaultImplementation("plus"));
+//
+// Only what differs from the defaults is stated. A function whose first parameter is
+// CallContext& may raise warnings; one that declares mayThrowErrors reports the
+// exceptions it throws as the call's error.
+#pragma once
+
+#include <builtin/BuiltinFcn.hpp>
+#include <builtin/builtinreg/ArgTypesOf.hpp>
+#include <builtin/builtinreg/BuiltinVariantLists.hpp>
+#include <builtin/builtinreg/FunctionName.hpp>
+#include <builtin/builtinreg/GenericEntry.hpp>
+#include <builtin/builtinreg/VariantListHelpers.hpp>
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Velloc::builtin::builtinreg {
+
+struct VariantOptions {
+    bool mayCallIntoOrvex = false;
+    bool mayRaiseWarnings = false;
+    bool mayThrowErrors = false;
+    bool mayHaveSideEffects = false;
+    bool isElementWise = false;
+    // Relaxed: a declaration takes every run-time value its C++ type can be read from.
+    types::SignatureTolerance tolerance = types::SignatureTolerance::RELAXED;
+    // Input positions that must be the literal flag text; they are matched, not passed.
+    detail::FlagSpecification flags = {};
+    std::string dominantClass = {};
+    // A level more restrictive than the one the types give, when the engine must not
+    // call the function (or only the engine may).
+    std::optional<types::LxeSupportLevel> lxeSupportLevel = std::nullopt;
+    // The name in diagnostics; the developer function's qualified name when empty.
+    std::string cppFunctionName = {};
+};
+
+namespace detail {
+
+// Applies what the options add after the constructor computed the level.
+void finishVariants(std::vector<BuiltinVariant>& variants, std::size_t first, const VariantOptions& options);
+
+} // namespace detail
+
+template <auto Fcn>
+std::vector<BuiltinVariant> makeVariants(std::string_view orvexFunctionName, VariantOptions options = {}) {
+    using Traits = detail::FunctionTraits<decltype(Fcn)>;
+    using B = BuiltinVariant;
+    const bool warns = options.mayRaiseWarnings || Traits::takesContext;
+    const bool throws = options.mayThrowErrors;
+    const lxe::JIT_CALLING_CONVENTION convention = warns || throws ? lxe::CanThrow : lxe::Plain;
+    lxe::GenericEntry entry = &detail::GenericEntry<Fcn>::template entry<false>;
+    if (options.isElementWise) {
+        if constexpr (detail::GenericEntry<Fcn>::CAN_RUN_ELEMENT_WISE) {
+            entry = &detail::GenericEntry<Fcn>::template entry<true>;
+        } else {
+            throw std::invalid_argument(detail::functionNameOf<Fcn>() +
+                                        " cannot be element-wise: it must map one or two numeric scalars to one");
+        }
+    }
+    void* developerFcn = reinterpret_cast<void*>(Fcn);
+    const lxe::LxeFunctionDescriptor descriptor(entry, nullptr, convention, developerFcn);
+    ArgTypes argTypes = getArgTypesOf<typename Traits::Signature>(options.tolerance);
+    const std::string cppName =
+        options.cppFunctionName.empty() ? detail::functionNameOf<Fcn>() : options.cppFunctionName;
+    detail::sortFlags(options.flags);
+
+    std::vector<BuiltinVariant> variants;
+    detail::appendNewVariants(variants, developerFcn, B::CallsIntoOrvex{options.mayCallIntoOrvex},
+                              B::HasSideEffects{options.mayHaveSideEffects}, cppName, orvexFunctionName,
+                              options.dominantClass, options.flags, B::HasExceptions{throws}, descriptor,
+                              B::IsElementWise{options.isElementWise}, B::HasWarnings{warns},
+                              std::move(argTypes.outputs), std::move(argTypes.inputs));
+    detail::finishVariants(variants, 0, options);
+    return variants;
+}
+
+// The default implementation: takes every call that no variant accepts, in the host's
+// own calling form.
+template <auto Fcn>
+BuiltinVariant defaultImplementation(std::string_view orvexFunctionName) {
+    static_assert(std::is_same_v<decltype(Fcn), lxe::HostStyleEntry>,
+                  "a default implementation is void(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs, "
+                  "const BuiltinVariant&)");
+    return BuiltinVariant(reinterpret_cast<void*>(Fcn), lxe::LxeFunctionDescriptor(nullptr, Fcn, lxe::Plain), {}, {},
+                          BuiltinVariant::CallsIntoOrvex::YES, BuiltinVariant::HasWarnings::YES,
+                          BuiltinVariant::HasExceptions::YES, BuiltinVariant::HasSideEffects::YES,
+                          detail::functionNameOf<Fcn>(), std::string(orvexFunctionName), "",
+                          BuiltinVariant::IsElementWise::NO);
+}
+
+// A builtin without a default implementation: a call that no variant accepts throws
+// std::logic_error.
+BuiltinVariant noDefaultImplementation(std::string_view orvexFunctionName);
+
+// A builtin of a defining library, spanning lists that outlive it.
+class RegisteredBuiltin final : public BuiltinFcn {
+public:
+    RegisteredBuiltin(std::string name, std::string definingLibrary, std::string summary,
+                      const BuiltinVariantLists& lists, BuiltinVariant defaultVariant,
+                      Ofh_ORVEX_fn* fallbackFcn = nullptr);
+
+    std::string getDefiningLibrary() const override { return definingLibrary_; }
+    std::string getSummary() const override { return summary_; }
+
+private:
+    std::string definingLibrary_;
+    std::string summary_;
+};
+
+} // namespace Velloc::builtin::builtinreg

@@ -1,0 +1,113 @@
+#include <builtin/builtinreg/Explain.hpp>
+
+#include <builtin/builtinreg/Rejection.hpp>
+
+#include <sstream>
+
+namespace Velloc::builtin::builtinreg {
+
+namespace {
+
+const char* listNameOf(const BuiltinFcn& builtin, std::span<const BuiltinVariant> list) {
+    if (list.data() == builtin.getSearchedByInvokeNoLxe().data()) {
+        return "searchedByInvokeNoLxe";
+    }
+    if (list.data() == builtin.getSearchedByInvokeAfterLxeComplexScalar().data() &&
+        list.size() == builtin.getSearchedByInvokeAfterLxeComplexScalar().size()) {
+        return "searchedByInvokeAfterLxeComplexScalar";
+    }
+    return "searchedByInvokeAfterLxe";
+}
+
+std::vector<std::string> argumentTypesOf(const VariantSignature& call) {
+    std::vector<std::string> types;
+    for (std::size_t i = 0; i < call.getNrhs(); ++i) {
+        types.push_back(describeArgument(call, i));
+    }
+    return types;
+}
+
+std::string joined(const std::vector<std::string>& texts) {
+    std::string out;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        out += (i == 0 ? "" : ", ") + texts[i];
+    }
+    return out;
+}
+
+std::string callText(const std::string& name, int nlhs, const std::vector<std::string>& argumentTypes) {
+    return name + "(" + joined(argumentTypes) + ") with " + std::to_string(nlhs) +
+           (nlhs == 1 ? " output" : " outputs");
+}
+
+} // namespace
+
+std::string variantLabel(const BuiltinVariant& variant) {
+    return variant.cppFunctionName + " [" + joined(variant.inputTypes) + "]";
+}
+
+Explanation explain(const BuiltinFcn& builtin, int nlhs, int nrhs, oxArray* const* prhs,
+                    BuiltinFcn::VariantsToConsider variantsToConsider) {
+    Explanation explanation;
+    explanation.builtinName = builtin.name;
+    explanation.hasDefaultImplementation = builtin.defaultVariant.functionDescriptor.getHostStyleEntry() != nullptr;
+    const VariantSignature call(static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs), prhs);
+    explanation.argumentTypes = argumentTypesOf(call);
+    const std::span<const BuiltinVariant> list = builtin.chooseVariants(nrhs, prhs, variantsToConsider);
+    if (list.empty()) {
+        return explanation;
+    }
+    explanation.listName = listNameOf(builtin, list);
+    for (const BuiltinVariant& variant : findArityRun(list, call.getNlhs(), call.getNrhs())) {
+        if (variant == call) {
+            explanation.considered.push_back({&variant, {}});
+            explanation.chosen = &variant;
+            break;
+        }
+        explanation.considered.push_back({&variant, describeRejection(variant, call)});
+    }
+    return explanation;
+}
+
+std::string toString(const Explanation& explanation) {
+    std::ostringstream out;
+    out << "call: " << explanation.builtinName << "(" << joined(explanation.argumentTypes) << ")\n";
+    if (explanation.listName.empty()) {
+        out << "list: none (the builtin has no variants for this kind of call)\n";
+    } else {
+        out << "list: " << explanation.listName << '\n';
+    }
+    if (explanation.considered.empty() && !explanation.listName.empty()) {
+        out << "no variant of this arity\n";
+    }
+    for (const VariantVerdict& verdict : explanation.considered) {
+        if (verdict.rejection.empty()) {
+            out << "  runs    " << variantLabel(*verdict.variant) << '\n';
+        } else {
+            out << "  refuses " << variantLabel(*verdict.variant) << ": " << verdict.rejection << '\n';
+        }
+    }
+    if (explanation.chosen == nullptr) {
+        out << (explanation.hasDefaultImplementation ? "result: the default implementation takes the call\n"
+                                                     : "result: no implementation; the call fails\n");
+    }
+    return out.str();
+}
+
+std::string describeNoMatch(const BuiltinFcn& builtin, int nlhs, int nrhs, oxArray* const* prhs) {
+    const VariantSignature call(static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs), prhs);
+    std::ostringstream out;
+    out << "No variant of " << builtin.name << " accepts the call " << callText(builtin.name, nlhs, argumentTypesOf(call))
+        << '.';
+    for (const BuiltinVariant& variant : builtin.getAllVariants()) {
+        const std::string reason = describeRejection(variant, call);
+        out << "\n  " << variantLabel(variant) << ": " << (reason.empty() ? "accepts, but is not searched here" : reason);
+    }
+    return out.str();
+}
+
+void throwNoMatchingVariant(const BuiltinFcn& builtin, int nlhs, int nrhs, oxArray* const* prhs) {
+    throw NoMatchingVariantError({describeNoMatch(builtin, nlhs, nrhs, prhs)});
+}
+
+} // namespace Velloc::builtin::builtinreg

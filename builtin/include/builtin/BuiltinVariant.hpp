@@ -1,0 +1,109 @@
+// One typed implementation of a builtin: the developer function, the argument types it
+// takes and returns, its behaviour promises, how far the execution engine may call it
+// directly, and the names used in diagnostics. Variants are plain values: lists copy,
+// sort and compare them.
+#pragma once
+
+#include <builtin/types/ArgType.hpp>
+#include <builtin/types/LxeSupportLevel.hpp>
+#include <lxe/LxeFunctionDescriptor.hpp>
+
+#include <boost/container/small_vector.hpp>
+
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Velloc::builtin {
+
+class VariantSignature;
+
+class BuiltinVariant {
+public:
+    enum class CallsIntoOrvex : bool { NO = false, YES = true };
+    enum class HasWarnings : bool { NO = false, YES = true };
+    enum class HasExceptions : bool { NO = false, YES = true };
+    enum class HasSideEffects : bool { NO = false, YES = true };
+    enum class IsElementWise : bool { NO = false, YES = true };
+
+    BuiltinVariant(void* developerFcn, lxe::LxeFunctionDescriptor functionDescriptor,
+                   std::vector<types::ArgType> inputArgTypes, std::vector<types::ArgType> outputArgTypes,
+                   CallsIntoOrvex callsIntoOrvex, HasWarnings hasWarnings, HasExceptions hasExceptions,
+                   HasSideEffects hasSideEffects, std::string cppFunctionName, std::string orvexFunctionName,
+                   std::string dominantClass, IsElementWise isElementWise);
+
+    BuiltinVariant(const BuiltinVariant&) = default;
+    BuiltinVariant(BuiltinVariant&&) noexcept = default;
+    BuiltinVariant& operator=(const BuiltinVariant&) = default;
+    BuiltinVariant& operator=(BuiltinVariant&&) noexcept = default;
+    ~BuiltinVariant() = default;
+
+    friend void swap(BuiltinVariant& a, BuiltinVariant& b) noexcept;
+
+    // Does this variant accept the call?
+    bool operator==(const VariantSignature& call) const;
+    // Orders the variant against a call, for searches of sorted lists.
+    bool operator<(const VariantSignature& call) const;
+    // Same arity and equal input types; outputs, flags and names are not compared.
+    bool operator==(const BuiltinVariant& other) const;
+    // The order of every variant list: arity, then input types; a boxing variant sorts
+    // right behind its original.
+    bool operator<(const BuiltinVariant& other) const;
+
+    lxe::LxeFunctionDescriptor functionDescriptor;
+    void* developerFcn;
+    std::vector<types::ArgType> inputArgTypes;
+    std::vector<types::ArgType> outputArgTypes;
+    std::vector<std::string> inputTypes;
+    std::vector<std::string> outputTypes;
+    bool mayCallIntoOrvex;
+    bool mayRaiseWarnings;
+    bool mayThrowErrors;
+    bool mayHaveSideEffects;
+    std::string cppFunctionName;
+    std::string orvexFunctionName;
+    std::string dominantClass;
+    types::LxeSupportLevel lxeSupportLevel;
+    // Null for an ordinary variant; for a boxing variant, the variant it was derived from.
+    std::shared_ptr<const BuiltinVariant> originalVariant;
+    bool isElementWise;
+};
+
+std::ostream& operator<<(std::ostream& out, const BuiltinVariant& variant);
+
+// One runtime call as the comparisons see it. Each input is classified at most once, and
+// only when a comparison asks for its type.
+class VariantSignature {
+public:
+    VariantSignature(std::uint64_t nlhs, std::uint64_t nrhs, oxArray* const* prhs);
+
+    std::uint64_t getNlhs() const noexcept { return nlhs_; }
+    std::uint64_t getNrhs() const noexcept { return nrhs_; }
+    oxArray* getArray(std::size_t position) const { return prhs_[position]; }
+    const types::ArgType& getArgType(std::size_t position) const;
+
+private:
+    std::uint64_t nlhs_;
+    std::uint64_t nrhs_;
+    oxArray* const* prhs_;
+    mutable boost::container::small_vector<std::optional<types::ArgType>, 4> argTypes_;
+};
+
+namespace builtinreg::detail {
+
+// True when any input or output type is UnsupportedArgType.
+bool isUnsupportedBuiltinVariant(const BuiltinVariant& variant);
+
+// The more restrictive of two levels; throws std::invalid_argument for a value outside the
+// four levels.
+types::LxeSupportLevel combineLxeSupportLevels(types::LxeSupportLevel level1, types::LxeSupportLevel level2);
+
+// start combined with the level of every output type, then of every input type.
+types::LxeSupportLevel supportLevelOfTypes(types::LxeSupportLevel start, const BuiltinVariant& variant);
+
+} // namespace builtinreg::detail
+
+} // namespace Velloc::builtin

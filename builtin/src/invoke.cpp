@@ -1,0 +1,102 @@
+#include <builtin/BuiltinFcn.hpp>
+
+#include "CallConversion.hpp"
+#include "CallEnvironment.hpp"
+
+#include <boost/container/small_vector.hpp>
+
+#include <stdexcept>
+
+namespace Velloc::builtin {
+
+namespace {
+
+using Parameters = boost::container::small_vector<Parameter, 8>;
+
+// Gives back the references that input conversion took, however the call ends.
+class ParameterList {
+public:
+    explicit ParameterList(std::size_t capacity) { parameters_.reserve(capacity); }
+    ParameterList(const ParameterList&) = delete;
+    ParameterList& operator=(const ParameterList&) = delete;
+    ~ParameterList() {
+        for (const Parameter& parameter : parameters_) {
+            detail::releaseParameter(parameter);
+        }
+    }
+
+    void append(Parameter parameter) { parameters_.push_back(parameter); }
+    const Parameter* data() const noexcept { return parameters_.data(); }
+
+private:
+    Parameters parameters_;
+};
+
+const BuiltinVariant* findAcceptingVariant(std::span<const BuiltinVariant> list, const VariantSignature& call) {
+    for (const BuiltinVariant& variant : findArityRun(list, call.getNlhs(), call.getNrhs())) {
+        if (variant == call) {
+            return &variant;
+        }
+    }
+    return nullptr;
+}
+
+void callVariant(const BuiltinVariant& variant, const VariantSignature& call, int nlhs, oxArray** plhs) {
+    ParameterList parameters(call.getNrhs());
+    for (std::size_t i = 0; i < call.getNrhs(); ++i) {
+        if (!types::skipDuringInvoke(variant.inputArgTypes[i])) {
+            parameters.append(detail::toParameter(call, i, variant.inputArgTypes[i]));
+        }
+    }
+
+    std::vector<std::u16string> warnings;
+    std::exception_ptr pendingError;
+    bool pending = false;
+    detail::CallEnvironment environment(warnings, pendingError);
+    const Parameter result = variant.functionDescriptor.getGenericEntry()(variant.functionDescriptor, environment,
+                                                                          pending, parameters.data());
+    if (pending) {
+        // Warnings come first, even when the call also failed.
+        for (const std::u16string& warning : warnings) {
+            matrix::handleWarning(warning);
+        }
+        if (pendingError) {
+            std::rethrow_exception(pendingError);
+        }
+    }
+
+    if (nlhs == 1) {
+        plhs[0] = detail::toOxArray(result);
+    } else if (nlhs == 0 && !variant.outputArgTypes.empty()) {
+        oxArray* output = detail::toOxArray(result);
+        if (plhs != nullptr) {
+            plhs[0] = output;
+        } else {
+            matrix::destroyArray(output);
+        }
+    } else if (oxArray* const* unused = boost::get<oxArray*>(&result)) {
+        // Nothing is stored for other counts; an array result must not outlive the call.
+        matrix::destroyArray(*unused);
+    }
+}
+
+} // namespace
+
+void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
+                        VariantsToConsider variantsToConsider) const {
+    const std::span<const BuiltinVariant> list = chooseVariants(nrhs, prhs, variantsToConsider);
+    if (!list.empty()) {
+        const VariantSignature call(static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs), prhs);
+        if (const BuiltinVariant* variant = findAcceptingVariant(list, call)) {
+            callVariant(*variant, call, nlhs, plhs);
+            return;
+        }
+    }
+    if (const lxe::HostStyleEntry entry = defaultVariant.functionDescriptor.getHostStyleEntry()) {
+        entry(nlhs, plhs, nrhs, prhs, defaultVariant);
+        return;
+    }
+    throw std::logic_error("builtin function implementation is nullptr");
+}
+
+} // namespace Velloc::builtin
