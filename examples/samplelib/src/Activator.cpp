@@ -1,0 +1,38 @@
+// Publishes the sample builtins when the bundle starts.
+#include "SampleBuiltins.hpp"
+
+#include <builtin/services/IBuiltinLibrary.hpp>
+
+#include <cppmicroservices/BundleActivator.h>
+#include <cppmicroservices/BundleContext.h>
+
+#include <memory>
+
+namespace samplelib {
+
+namespace {
+
+class SampleLibrary final : public Velloc::builtin::IBuiltinLibrary {
+public:
+    std::string getLibraryName() const override { return LIBRARY; }
+    std::vector<const BuiltinFcn*> getBuiltins() const override {
+        return {&plusBuiltin(),     &absBuiltin(),      &upperBuiltin(),      &strjoinBuiltin(),
+                &sizeBuiltin(),     &classBuiltin(),    &describeBuiltin(),   &reciprocalBuiltin(),
+                &checkedSqrtBuiltin()};
+    }
+};
+
+class Activator final : public cppmicroservices::BundleActivator {
+public:
+    void Start(cppmicroservices::BundleContext context) override {
+        context.RegisterService<Velloc::builtin::IBuiltinLibrary>(std::make_shared<SampleLibrary>(),
+                                                                 {{"library", std::string(LIBRARY)}});
+    }
+    void Stop(cppmicroservices::BundleContext) override {}
+};
+
+} // namespace
+
+} // namespace samplelib
+
+BUILTIN2_EXPORT_BUNDLE_ACTIVATOR(samplelib::Activator, samplelib)

@@ -1,0 +1,137 @@
+// plus and abs: element-wise scalar functions for the common classes, and a host-array
+// variant that mixes classes the way the language does.
+#include "SampleBuiltins.hpp"
+
+#include <builtin/builtinreg/Explain.hpp>
+#include <builtin/builtinreg/MakeVariant.hpp>
+
+#include <foundation/core/except/Exception.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <limits>
+#include <stdexcept>
+
+namespace samplelib {
+
+namespace {
+
+using namespace Velloc::builtin::builtinreg;
+
+namespace errors {
+struct plusUnsupported {
+    static constexpr std::string_view component = "samplelib:plus";
+    static constexpr std::string_view key = "unsupported";
+    static constexpr std::string_view text = "plus is not defined for {0} and {1}.";
+};
+struct plusSizes {
+    static constexpr std::string_view component = "samplelib:plus";
+    static constexpr std::string_view key = "sizeMismatch";
+    static constexpr std::string_view text = "Arrays have incompatible sizes for this operation.";
+};
+} // namespace errors
+
+using foundation::core::except::Exception;
+
+double plusDouble(double a, double b) { return a + b; }
+float plusSingle(float a, float b) { return a + b; }
+// Integer arithmetic saturates at the class's limits.
+std::int32_t plusInt32(std::int32_t a, std::int32_t b) {
+    const std::int64_t sum = std::int64_t{a} + std::int64_t{b};
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(sum, std::numeric_limits<std::int32_t>::min(),
+                                                               std::numeric_limits<std::int32_t>::max()));
+}
+
+bool isPlainNumeric(const oxArray* a) {
+    const oxClassID id = matrix::getClassID(a);
+    return (id == oxDOUBLE_CLASS || id == oxLOGICAL_CLASS || id == oxCHAR_CLASS) && !matrix::isComplex(a) &&
+           !matrix::isSparse(a);
+}
+
+double elementAsDouble(const oxArray* a, std::size_t i) {
+    switch (matrix::getClassID(a)) {
+    case oxLOGICAL_CLASS: return matrix::getTypedData<bool>(a)[i] ? 1.0 : 0.0;
+    case oxCHAR_CLASS: return matrix::getTypedData<char16_t>(a)[i];
+    default: return matrix::getTypedData<double>(a)[i];
+    }
+}
+
+std::string classNameOf(const oxArray* a) {
+    switch (matrix::getClassID(a)) {
+    case oxDOUBLE_CLASS: return "double";
+    case oxLOGICAL_CLASS: return "logical";
+    case oxCHAR_CLASS: return "char";
+    case oxCELL_CLASS: return "cell";
+    case oxSTRUCT_CLASS: return "struct";
+    default: return "class " + std::to_string(matrix::getClassID(a));
+    }
+}
+
+// Double, logical and char arrays of one size, or one of them scalar, add as doubles.
+oxArray* plusArrays(const oxArray* a, const oxArray* b) {
+    if (!isPlainNumeric(a) || !isPlainNumeric(b)) {
+        throw Exception<errors::plusUnsupported>({classNameOf(a), classNameOf(b)});
+    }
+    const std::size_t na = matrix::getNumberOfElements(a);
+    const std::size_t nb = matrix::getNumberOfElements(b);
+    const matrix::Dims dims = na == 1 ? matrix::getDimensions(b) : matrix::getDimensions(a);
+    if (na != 1 && nb != 1 && !std::ranges::equal(matrix::getDimensions(a), matrix::getDimensions(b))) {
+        throw Exception<errors::plusSizes>({});
+    }
+    matrix::ArrayPtr out(matrix::detail::do_create_uninitnumeric(dims, oxDOUBLE_CLASS, oxREAL));
+    double* sum = matrix::getTypedData<double>(out.get());
+    for (std::size_t i = 0, n = std::max(na, nb); i < n; ++i) {
+        sum[i] = elementAsDouble(a, na == 1 ? 0 : i) + elementAsDouble(b, nb == 1 ? 0 : i);
+    }
+    return out.release();
+}
+
+// Everything no variant takes, such as plus(1) or plus of a cell: say why.
+void plusDefault(int nlhs, oxArray**, int nrhs, oxArray** prhs, const Velloc::builtin::BuiltinVariant&) {
+    throwNoMatchingVariant(plusBuiltin(), nlhs, nrhs, prhs);
+}
+
+double absDouble(double x) { return std::abs(x); }
+float absSingle(float x) { return std::abs(x); }
+std::int32_t absInt32(std::int32_t x) {
+    return x == std::numeric_limits<std::int32_t>::min() ? std::numeric_limits<std::int32_t>::max() : std::abs(x);
+}
+double absComplex(std::complex<double> z) { return std::abs(z); }
+
+const BuiltinVariantLists& plusLists() {
+    static const BuiltinVariantLists lists{
+        makeVariants<&plusDouble>("plus", {.isElementWise = true}),
+        makeVariants<&plusSingle>("plus", {.isElementWise = true}),
+        makeVariants<&plusInt32>("plus", {.isElementWise = true}),
+        makeVariants<&plusArrays>("plus", {.mayThrowErrors = true}),
+    };
+    return lists;
+}
+
+const BuiltinVariantLists& absLists() {
+    static const BuiltinVariantLists lists{
+        makeVariants<&absDouble>("abs", {.isElementWise = true}),
+        makeVariants<&absSingle>("abs", {.isElementWise = true}),
+        makeVariants<&absInt32>("abs", {.isElementWise = true}),
+        makeVariants<&absComplex>("abs", {.isElementWise = true}),
+    };
+    return lists;
+}
+
+} // namespace
+
+const BuiltinFcn& plusBuiltin() {
+    static const RegisteredBuiltin builtin("plus", LIBRARY, "adds two arrays element by element", plusLists(),
+                                           defaultImplementation<&plusDefault>("plus"));
+    return builtin;
+}
+
+const BuiltinFcn& absBuiltin() {
+    static const RegisteredBuiltin builtin("abs", LIBRARY, "absolute value, element by element", absLists(),
+                                           noDefaultImplementation("abs"));
+    return builtin;
+}
+
+} // namespace samplelib

@@ -1,0 +1,22 @@
+// The builtins of the sample library, each defined in the file of its theme.
+#pragma once
+
+#include <builtin/BuiltinFcn.hpp>
+
+namespace samplelib {
+
+using Velloc::builtin::BuiltinFcn;
+
+const BuiltinFcn& plusBuiltin();
+const BuiltinFcn& absBuiltin();
+const BuiltinFcn& upperBuiltin();
+const BuiltinFcn& strjoinBuiltin();
+const BuiltinFcn& sizeBuiltin();
+const BuiltinFcn& classBuiltin();
+const BuiltinFcn& describeBuiltin();
+const BuiltinFcn& reciprocalBuiltin();
+const BuiltinFcn& checkedSqrtBuiltin();
+
+inline constexpr const char* LIBRARY = "samplelib";
+
+} // namespace samplelib

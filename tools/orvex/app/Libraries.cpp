@@ -1,0 +1,39 @@
+#include "Libraries.hpp"
+
+#include <builtin/services/IBuiltinLibrary.hpp>
+#include <builtin/services/findService.hpp>
+
+#include <foundation/cppmicroservices/framework.hpp>
+#include <foundation/filesystem/paths.hpp>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace orvex {
+
+std::filesystem::path defaultBundleDirectory() {
+    return foundation::filesystem::getInstallRoot() / "modules";
+}
+
+std::vector<LoadedBuiltin> loadBuiltins(const std::filesystem::path& directory) {
+    // The host's own services first: defining libraries rely on them.
+    Velloc::builtin::builtinreg::loadBuiltinServices();
+    foundation::cppmicroservices::installAndStart(directory, "");
+    const auto framework = foundation::cppmicroservices::getFramework();
+    if (!framework) {
+        throw std::runtime_error("the module framework did not start");
+    }
+    auto context = framework->GetBundleContext();
+    std::vector<LoadedBuiltin> builtins;
+    for (const auto& reference : context.GetServiceReferences<Velloc::builtin::IBuiltinLibrary>()) {
+        const auto library = context.GetServiceObjects(reference).GetService();
+        for (const Velloc::builtin::BuiltinFcn* builtin : library->getBuiltins()) {
+            builtins.push_back({library->getLibraryName(), builtin});
+        }
+    }
+    std::sort(builtins.begin(), builtins.end(),
+              [](const LoadedBuiltin& a, const LoadedBuiltin& b) { return a.builtin->name < b.builtin->name; });
+    return builtins;
+}
+
+} // namespace orvex

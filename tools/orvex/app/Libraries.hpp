@@ -1,0 +1,26 @@
+// The defining libraries the tool loads: bundles started through the module framework,
+// each publishing its builtins as an IBuiltinLibrary service.
+#pragma once
+
+#include <builtin/BuiltinFcn.hpp>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orvex {
+
+struct LoadedBuiltin {
+    std::string library;
+    const Velloc::builtin::BuiltinFcn* builtin;
+};
+
+// Starts every bundle under directory and collects the builtins their libraries publish,
+// sorted by name. The libraries stay loaded until the process exits.
+std::vector<LoadedBuiltin> loadBuiltins(const std::filesystem::path& directory);
+
+// The default directory of bundles: "modules" under the installation root.
+std::filesystem::path defaultBundleDirectory();
+
+} // namespace orvex

@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# A short session with the orvex tool over the sample library: calls, a warning, an
+# error, a no-match report and an explanation. Usage: demo-session.sh PATH_TO_ORVEX
+orvex=$1
+
+say() {
+  printf '\n$ orvex'
+  printf ' %q' "$@"
+  printf '\n'
+  "$orvex" "$@" || printf '(exit code %d)\n' "$?"
+}
+
+say list
+say call plus 1 2
+say call plus '[1 2; 3 4]' 10
+say call plus 'int32(2147483647)' 'int32(5)'
+say call plus "'ab'" 1
+say call abs 3+4i
+say call upper "'hello'"
+say call strjoin '"builtin"' "'two'" "' * '"
+say call size '[1 2 3; 4 5 6]'
+say call class 'single(2)'
+say call describe true '[1 2]'
+say call reciprocal '[1 2 0]'
+say call checkedSqrt -4
+say call plus '[1 2]' "{1}"
+say call plus 1
+say explain plus 'int32(1)' 'int32(2)'
+say explain describe true
+say show upper
