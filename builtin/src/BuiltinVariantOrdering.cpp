@@ -61,7 +61,7 @@ bool acceptsEveryInput(const BuiltinVariant& variant, const VariantSignature& ca
 
 bool acceptsEveryInputElementWise(const BuiltinVariant& variant, const VariantSignature& call) {
     for (std::size_t i = 0; i < variant.inputArgTypes.size(); ++i) {
-        if (!types::isAcceptable(types::asElementWiseArrayType(variant.inputArgTypes[i]), call.getArgType(i))) {
+        if (!types::isAcceptableElementWise(variant.inputArgTypes[i], call.getArgType(i))) {
             return false;
         }
     }

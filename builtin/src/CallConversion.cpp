@@ -4,7 +4,6 @@
 #include <builtin/services/ServiceHandles.hpp>
 
 #include <complex>
-#include <optional>
 #include <type_traits>
 
 namespace Velloc::builtin::detail {
@@ -12,37 +11,33 @@ namespace Velloc::builtin::detail {
 namespace {
 
 template <class T>
-Parameter valueOf(const oxArray* array) {
-    return Parameter(*matrix::getTypedData<T>(array));
+bool read(const oxArray* array, Parameter& out) {
+    out = *matrix::getTypedData<T>(array);
+    return true;
 }
 
-template <class T>
-Parameter complexValueOf(const oxArray* array) {
-    return Parameter(*matrix::getTypedData<std::complex<T>>(array));
-}
-
-// The scalar's value in the alternative of its class; nullopt for classes without one.
-std::optional<Parameter> scalarValue(const oxArray* array, oxClassID classId) {
-    if (matrix::isComplex(array)) {
+// The scalar's value in the alternative of its class; false for classes without one.
+bool readScalar(const oxArray* array, oxClassID classId, bool complex, Parameter& out) {
+    if (complex) {
         switch (classId) {
-        case oxDOUBLE_CLASS: return complexValueOf<double>(array);
-        case oxSINGLE_CLASS: return complexValueOf<float>(array);
-        default: return std::nullopt;
+        case oxDOUBLE_CLASS: return read<std::complex<double>>(array, out);
+        case oxSINGLE_CLASS: return read<std::complex<float>>(array, out);
+        default: return false;
         }
     }
     switch (classId) {
-    case oxDOUBLE_CLASS: return valueOf<double>(array);
-    case oxSINGLE_CLASS: return valueOf<float>(array);
-    case oxLOGICAL_CLASS: return valueOf<bool>(array);
-    case oxINT8_CLASS: return valueOf<signed char>(array);
-    case oxUINT8_CLASS: return valueOf<unsigned char>(array);
-    case oxINT16_CLASS: return valueOf<short>(array);
-    case oxUINT16_CLASS: return valueOf<unsigned short>(array);
-    case oxINT32_CLASS: return valueOf<int>(array);
-    case oxUINT32_CLASS: return valueOf<unsigned int>(array);
-    case oxINT64_CLASS: return valueOf<long>(array);
-    case oxUINT64_CLASS: return valueOf<unsigned long>(array);
-    default: return std::nullopt;
+    case oxDOUBLE_CLASS: return read<double>(array, out);
+    case oxSINGLE_CLASS: return read<float>(array, out);
+    case oxLOGICAL_CLASS: return read<bool>(array, out);
+    case oxINT8_CLASS: return read<signed char>(array, out);
+    case oxUINT8_CLASS: return read<unsigned char>(array, out);
+    case oxINT16_CLASS: return read<short>(array, out);
+    case oxUINT16_CLASS: return read<unsigned short>(array, out);
+    case oxINT32_CLASS: return read<int>(array, out);
+    case oxUINT32_CLASS: return read<unsigned int>(array, out);
+    case oxINT64_CLASS: return read<long>(array, out);
+    case oxUINT64_CLASS: return read<unsigned long>(array, out);
+    default: return false;
     }
 }
 
@@ -58,10 +53,11 @@ Parameter toParameter(const VariantSignature& call, std::size_t position, const 
     oxArray* array = call.getArray(position);
     if (array != nullptr) {
         if (const auto* scalar = std::get_if<types::NumericScalarTypes>(&declared)) {
-            if (isFullScalar(call.getArgType(position)) && matrix::isComplex(array) == scalar->isComplex()) {
-                if (auto value = scalarValue(array, matrix::getClassID(array))) {
-                    return *value;
-                }
+            Parameter value;
+            const bool complex = matrix::isComplex(array);
+            if (isFullScalar(call.getArgType(position)) && complex == scalar->isComplex() &&
+                readScalar(array, matrix::getClassID(array), complex, value)) {
+                return value;
             }
         } else if (std::holds_alternative<types::LxeObjectTypes>(declared)) {
             if (const auto& service = builtinreg::getOCOSRegWrapper()) {

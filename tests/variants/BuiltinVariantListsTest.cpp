@@ -59,7 +59,7 @@ TEST(BuiltinVariantLists, RemovesUnsupportedAndRepeatedBoxingVariants) {
     ASSERT_EQ(findings.size(), 2U);
     EXPECT_EQ(findings[0].kind, CleanupFinding::Kind::UNSUPPORTED);
     EXPECT_EQ(findings[1].kind, CleanupFinding::Kind::UNREACHABLE);
-    ASSERT_EQ(findings[1].by.size(), 1U);
+    EXPECT_FALSE(findings[1].by.empty());
 }
 
 TEST(BuiltinVariantLists, NoSupportVariantShadowsLaterOnesTheEngineWouldConfuseWithIt) {
@@ -76,8 +76,9 @@ TEST(BuiltinVariantLists, NoSupportVariantShadowsLaterOnesTheEngineWouldConfuseW
     ASSERT_EQ(lists.getCleanupFindings().size(), 1U);
     const CleanupFinding& shadowed = lists.getCleanupFindings()[0];
     EXPECT_EQ(shadowed.kind, CleanupFinding::Kind::SHADOWED);
-    EXPECT_EQ(shadowed.variant.cppFunctionName, "later");
-    EXPECT_EQ(shadowed.by.at(0).cppFunctionName, "first");
+    EXPECT_EQ(shadowed.variant.rfind("later [", 0), 0U);
+    EXPECT_EQ(shadowed.by.rfind("first [", 0), 0U);
+    EXPECT_EQ(toString(shadowed).rfind("shadowed: later [", 0), 0U);
 }
 
 TEST(BuiltinVariantLists, DemotedBoxingVariantsGoButOrdinaryOnesStay) {
@@ -117,7 +118,7 @@ TEST(BuiltinVariantLists, LogsEachStageUnderItsHeading) {
         headings.push_back(record.text.substr(0, record.text.find('\n') + 1));
     }
     EXPECT_EQ(headings, (Names{"before cleanup:\n", "removed unsupported:\n", "removed unreachable:\n",
-                               "removed shadowed:\n", "removed unsupported boxing variants:\n"}));
+                               "removed shadowed:\n", "removed unsupported boxing variants:\n", "findings:\n"}));
     ASSERT_EQ(partition.records().size(), 5U);
     EXPECT_EQ(partition.records()[4].text.rfind("searchedByInvokeNoLxe:\n", 0), 0U);
 }

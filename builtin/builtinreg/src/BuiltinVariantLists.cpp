@@ -1,5 +1,6 @@
 #include <builtin/builtinreg/BuiltinVariantLists.hpp>
 
+#include <builtin/builtinreg/Explain.hpp>
 #include <builtin/builtinreg/VariantListHelpers.hpp>
 #include <builtin/LogSeverity.hpp>
 
@@ -42,7 +43,7 @@ void removeFound(std::vector<BuiltinVariant>& variants, std::vector<CleanupFindi
                  CleanupFinding::Kind kind, bool (*isRemoved)(const BuiltinVariant&)) {
     for (const BuiltinVariant& variant : variants) {
         if (isRemoved(variant)) {
-            findings.push_back({kind, variant, {}});
+            findings.push_back({kind, variantLabel(variant), {}});
         }
     }
     std::erase_if(variants, isRemoved);
@@ -78,6 +79,10 @@ std::string toString(CleanupFinding::Kind kind) {
     return "unknown";
 }
 
+std::string toString(const CleanupFinding& finding) {
+    return toString(finding.kind) + ": " + finding.variant + (finding.by.empty() ? "" : " by " + finding.by);
+}
+
 BuiltinVariantLists::BuiltinVariantLists(std::vector<BuiltinVariant>&& variants) {
     std::vector<BuiltinVariant> list(std::move(variants));
     detail::sortVariants(list);
@@ -91,9 +96,27 @@ BuiltinVariantLists::BuiltinVariantLists(std::vector<BuiltinVariant>&& variants)
     logList(cleanupChannel(), "removed shadowed:\n", list);
     removeFound(list, findings_, CleanupFinding::Kind::UNSUPPORTED_BOXING, isUnsupportedBoxingVariant);
     logList(cleanupChannel(), "removed unsupported boxing variants:\n", list);
+    foundation::log::logIf(cleanupChannel(), LOG_INFO, "BuiltinVariantLists", __LINE__, [&] {
+        std::string text = "findings:\n";
+        for (const CleanupFinding& finding : findings_) {
+            text += toString(finding) + '\n';
+        }
+        return text;
+    });
     list.shrink_to_fit();
     all = std::move(list);
 
+    // Sized up front: the lists hold variants by value, and growing them moves every one.
+    std::size_t noSupport = 0;
+    std::size_t lxeOnly = 0;
+    for (const BuiltinVariant& variant : all) {
+        noSupport += variant.lxeSupportLevel == LxeSupportLevel::NO_SUPPORT ? 1 : 0;
+        lxeOnly += variant.lxeSupportLevel == LxeSupportLevel::LXE_ONLY ? 1 : 0;
+    }
+    searchedByLxe.reserve(all.size() - noSupport);
+    searchedByInvokeAfterLxe.reserve(noSupport);
+    searchedByInvokeAfterLxeComplexScalarRhs.reserve(noSupport);
+    searchedByInvokeNoLxe.reserve(all.size() - lxeOnly);
     for (const BuiltinVariant& variant : all) {
         switch (variant.lxeSupportLevel) {
         case LxeSupportLevel::LXE_ONLY:

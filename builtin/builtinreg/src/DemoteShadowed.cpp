@@ -1,5 +1,7 @@
 #include "CleanupSteps.hpp"
 
+#include <builtin/builtinreg/Explain.hpp>
+
 #include <algorithm>
 #include <bit>
 #include <cstdint>
@@ -102,7 +104,7 @@ void demoteInRunWithoutInputs(std::vector<BuiltinVariant>& variants, std::size_t
         BuiltinVariant& w = variants[j];
         if (shadowing != nullptr && w.lxeSupportLevel != LxeSupportLevel::NO_SUPPORT) {
             w.lxeSupportLevel = combineLxeSupportLevels(w.lxeSupportLevel, shadowing->lxeSupportLevel);
-            findings.push_back({CleanupFinding::Kind::SHADOWED, w, {*shadowing}});
+            findings.push_back({CleanupFinding::Kind::SHADOWED, variantLabel(w), variantLabel(*shadowing)});
         }
         if (shadowing == nullptr && w.lxeSupportLevel == LxeSupportLevel::NO_SUPPORT) {
             shadowing = &w;
@@ -129,7 +131,7 @@ void demoteInRun(std::vector<BuiltinVariant>& variants, std::size_t begin, std::
             if (const auto key = firstShadowingKey(positions, ids)) {
                 const BuiltinVariant& v = variants[keyOwner[*key]];
                 w.lxeSupportLevel = combineLxeSupportLevels(w.lxeSupportLevel, v.lxeSupportLevel);
-                findings.push_back({CleanupFinding::Kind::SHADOWED, w, {v}});
+                findings.push_back({CleanupFinding::Kind::SHADOWED, variantLabel(w), variantLabel(v)});
             }
         }
         if (w.lxeSupportLevel == LxeSupportLevel::NO_SUPPORT && keys.try_emplace(ids, keyOwner.size()).second) {

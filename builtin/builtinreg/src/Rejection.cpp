@@ -18,8 +18,7 @@ std::string plural(std::size_t count, const char* noun) {
 std::size_t firstRefusedInput(const BuiltinVariant& variant, const VariantSignature& call, bool elementWise) {
     for (std::size_t i = 0; i < variant.inputArgTypes.size(); ++i) {
         const types::ArgType& declared = variant.inputArgTypes[i];
-        const bool accepted = elementWise ? types::isAcceptable(types::asElementWiseArrayType(declared),
-                                                               call.getArgType(i))
+        const bool accepted = elementWise ? types::isAcceptableElementWise(declared, call.getArgType(i))
                                           : types::isAcceptable(declared, call.getArgType(i));
         if (!accepted) {
             return i;

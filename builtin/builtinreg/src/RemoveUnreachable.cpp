@@ -1,5 +1,7 @@
 #include "CleanupSteps.hpp"
 
+#include <builtin/builtinreg/Explain.hpp>
+
 #include <boost/container_hash/hash.hpp>
 
 #include <algorithm>
@@ -45,7 +47,7 @@ void removeUnreachableVariants(std::vector<BuiltinVariant>& variants, std::vecto
             firstWithKey.try_emplace(ReachKey{&variant.inputArgTypes, variant.originalVariant.get()}, i);
         if (!inserted && variant.originalVariant) {
             removed[i] = true;
-            findings.push_back({CleanupFinding::Kind::UNREACHABLE, variant, {variants[it->second]}});
+            findings.push_back({CleanupFinding::Kind::UNREACHABLE, variantLabel(variant), variantLabel(variants[it->second])});
         }
     }
     std::size_t kept = 0;

@@ -43,6 +43,20 @@ ArgType asElementWiseArrayType(const ArgType& type) {
         type);
 }
 
+bool isAcceptableElementWise(const ArgType& declared, const ArgType& actual) {
+    return std::visit(
+        [&](const auto& x) {
+            OxArrayTypes view = detail::viewAsOxArray(x);
+            if (!view.asScalar()) {
+                return isAcceptable(declared, actual);
+            }
+            view.setShape(OxArrayTypes::Shape::UNKNOWN, OxArrayTypes::ANY_NUM_DIMS);
+            view.setSignatureTolerance(SignatureTolerance::RELAXED);
+            return std::visit([&](const auto& a) { return detail::accepts(view, a); }, actual);
+        },
+        declared);
+}
+
 ArgTypeList getGreaterPrecedenceTypes(const ArgType& type) {
     return std::visit(
         [](const auto& x) -> ArgTypeList {

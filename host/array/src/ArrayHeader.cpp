@@ -17,13 +17,8 @@ std::size_t storedDimensionCount(Dims dimensions) {
 
 } // namespace
 
-const oxArray& checkedArray(const oxArray* array, const char* function) {
-    if (array == nullptr) throw std::logic_error(std::string(function) + ": null oxArray handle");
-    return *array;
-}
-
-oxArray& checkedArray(oxArray* array, const char* function) {
-    return const_cast<oxArray&>(checkedArray(static_cast<const oxArray*>(array), function));
+void throwNullHandle(const char* function) {
+    throw std::logic_error(std::string(function) + ": null oxArray handle");
 }
 
 bool multiplyDimensions(Dims dimensions, std::size_t& product) {

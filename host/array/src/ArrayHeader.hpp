@@ -66,9 +66,19 @@ struct oxArray {
 
 namespace matrix::detail {
 
-// Throws std::logic_error naming the function when given a null handle.
-const oxArray& checkedArray(const oxArray* array, const char* function);
-oxArray& checkedArray(oxArray* array, const char* function);
+[[noreturn]] void throwNullHandle(const char* function);
+
+// Throws std::logic_error naming the function when given a null handle. Inline: every
+// query passes through it, and the test must cost no call.
+inline const oxArray& checkedArray(const oxArray* array, const char* function) {
+    if (array == nullptr) [[unlikely]] {
+        throwNullHandle(function);
+    }
+    return *array;
+}
+inline oxArray& checkedArray(oxArray* array, const char* function) {
+    return const_cast<oxArray&>(checkedArray(static_cast<const oxArray*>(array), function));
+}
 
 // The header of a new array: reference count 1, no marks, dimensions stored with
 // trailing singletons beyond the second dropped (fewer than two are padded with 1),

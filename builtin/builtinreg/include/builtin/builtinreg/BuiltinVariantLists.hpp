@@ -15,15 +15,18 @@ namespace Velloc::builtin::builtinreg {
 
 // One finding of cleanup: a variant that can never run, or that the engine may no
 // longer call because an earlier variant takes its calls.
+// Variants are named by their C++ name and input types, as diagnostics print them.
 struct CleanupFinding {
     enum class Kind { UNSUPPORTED, UNREACHABLE, SHADOWED, UNSUPPORTED_BOXING };
     Kind kind;
-    BuiltinVariant variant;
-    // The variant that makes it unreachable or shadows it; empty for unsupported ones.
-    std::vector<BuiltinVariant> by;
+    std::string variant;
+    // The variant that makes it unreachable or shadows it; empty for the other kinds.
+    std::string by;
 };
 
 std::string toString(CleanupFinding::Kind kind);
+// "shadowed: f [double] by g [double]"
+std::string toString(const CleanupFinding& finding);
 
 class BuiltinVariantLists {
 public:

@@ -69,6 +69,10 @@ ArgType& setSignatureTolerance(ArgType& type, SignatureTolerance tolerance);
 // other declaration is returned unchanged.
 ArgType asElementWiseArrayType(const ArgType& type);
 
+// isAcceptable(asElementWiseArrayType(declared), actual), without building the widened
+// declaration: dispatch asks this of every element-wise variant it tries.
+bool isAcceptableElementWise(const ArgType& declared, const ArgType& actual);
+
 // More specific declarations that take precedence over this one.
 ArgTypeList getGreaterPrecedenceTypes(const ArgType& type);
 
