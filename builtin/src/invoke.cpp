@@ -6,6 +6,7 @@
 #include <boost/container/small_vector.hpp>
 
 #include <stdexcept>
+#include <string>
 
 namespace Velloc::builtin {
 
@@ -84,6 +85,12 @@ void callVariant(const BuiltinVariant& variant, const VariantSignature& call, in
 
 void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
                         VariantsToConsider variantsToConsider) const {
+    // A caller's mistake in the calling form must not become a wild write.
+    if (nlhs < 0 || nrhs < 0 || (nlhs > 0 && plhs == nullptr) || (nrhs > 0 && prhs == nullptr)) {
+        throw std::invalid_argument("BuiltinFcn::invoke of " + name + ": " + std::to_string(nlhs) + " outputs into " +
+                                    (plhs == nullptr ? "no array" : "an array") + ", " + std::to_string(nrhs) +
+                                    " inputs from " + (prhs == nullptr ? "no array" : "an array"));
+    }
     const std::span<const BuiltinVariant> list = chooseVariants(nrhs, prhs, variantsToConsider);
     if (!list.empty()) {
         const VariantSignature call(static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs), prhs);

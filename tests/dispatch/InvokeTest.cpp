@@ -103,6 +103,17 @@ TEST(Invoke, CallsTheAcceptingVariantAndConvertsTheResult) {
     EXPECT_EQ(matrix::getReferenceCount(args.handles[0]), 1U) << "input references are given back";
 }
 
+TEST(Invoke, RefusesAMalformedCallingForm) {
+    const RegisteredBuiltin plus("plus", "tests", "", plusLists(), noDefaultImplementation("plus"));
+    Args args;
+    args.add(matrix::createScalar<double>(2)).add(matrix::createScalar<double>(3));
+    oxArray* result = nullptr;
+    EXPECT_THROW(plus.invoke(1, nullptr, 2, args.handles.data(), BuiltinFcn::NoLxe), std::invalid_argument);
+    EXPECT_THROW(plus.invoke(1, &result, 2, nullptr, BuiltinFcn::NoLxe), std::invalid_argument);
+    EXPECT_THROW(plus.invoke(-1, &result, 2, args.handles.data(), BuiltinFcn::NoLxe), std::invalid_argument);
+    EXPECT_EQ(result, nullptr);
+}
+
 TEST(Invoke, ElementWiseVariantsBroadcast) {
     const RegisteredBuiltin plus("plus", "tests", "", plusLists(), noDefaultImplementation("plus"));
     Args args;
