@@ -1,0 +1,107 @@
+#include <builtin/builtinreg/BehaviourChecks.hpp>
+
+#include <fl/i18n.hpp>
+#include <foundation/core/diag/terminate.hpp>
+#include <foundation/log/Channel.hpp>
+#include <foundation/usm/usm.hpp>
+
+#include <deque>
+#include <memory>
+#include <sstream>
+#include <stack>
+
+namespace Velloc::builtin {
+
+namespace {
+
+using ActiveVariants = std::stack<const BuiltinVariant*, std::deque<const BuiltinVariant*>>;
+
+std::size_t activeVariantsId() {
+    static const std::size_t id = foundation::usm::Detail<foundation::usm::scope::Ovm>::getNextID();
+    return id;
+}
+
+void assertDoesNotCall(const ActiveVariants& active) {
+    if (active.empty() || active.top() == nullptr || active.top()->mayCallIntoOrvex) {
+        return;
+    }
+    const BuiltinVariant& variant = *active.top();
+    foundation::core::diag::terminate(
+        "The " + variant.cppFunctionName + " implementation of the ORVEX builtin function " +
+            variant.orvexFunctionName + " is marked as not calling into orvex, but does." +
+            "Need to change builtin doxygen from \"vlDoesNotCallORVEX true\" to \"vlDoesNotCallORVEX false\"\n",
+        "CallsORVEXCheck", __LINE__,
+        "void {anonymous}::vlDoesNotCallORVEXAssertion(const std::stack<const Velloc::builtin::BuiltinVariant*>&, "
+        "const BuiltinVariant*)");
+}
+
+const foundation::log::Channel& invokeChannel() {
+    static const foundation::log::Channel& channel = foundation::log::channel("builtin2::invoke");
+    return channel;
+}
+
+void logExecution(const char* heading, const BuiltinVariant* variant, int line) {
+    foundation::log::logIf(invokeChannel(), 1, "LogBuiltinVariantExecution", line, [&] {
+        std::ostringstream text;
+        text << heading;
+        if (variant != nullptr) {
+            text << *variant;
+        }
+        return text.str();
+    });
+}
+
+} // namespace
+
+void vlDoesNotCallORVEXAssertion() {
+    if (const ActiveVariants* active = foundation::usm::find<ActiveVariants>(activeVariantsId())) {
+        assertDoesNotCall(*active);
+    }
+}
+
+namespace builtinreg {
+
+CallsORVEXCheckAsserted::CallsORVEXCheckAsserted(const BuiltinVariant* variant) : pushed_(false) {
+    ActiveVariants* active = nullptr;
+    try {
+        active = &foundation::usm::findOrThrow<ActiveVariants>(activeVariantsId());
+    } catch (const foundation::usm::DoesNotExistTypeError&) {
+        active = &foundation::usm::insert(activeVariantsId(), std::make_unique<ActiveVariants>());
+    } catch (const foundation::usm::TypeError&) {
+        return; // outside a language instance nothing is checked
+    }
+    active->push(variant);
+    pushed_ = true;
+}
+
+CallsORVEXCheckAsserted::~CallsORVEXCheckAsserted() {
+    if (pushed_) {
+        foundation::usm::findOrFail<ActiveVariants>(activeVariantsId()).pop();
+    }
+}
+
+namespace detail {
+
+bool AssertIfWarnings::operator()(const fl::ustring& warning) const {
+    foundation::core::diag::terminate("builtin: \"" + variant_.orvexFunctionName + "\" function: \"" +
+                                          variant_.cppFunctionName +
+                                          "\" claims no warnings but generated this warning:\n" +
+                                          fl::i18n::to_string(warning),
+                                      "CaptureWarnings", __LINE__,
+                                      "bool Velloc::builtin::builtinreg::detail::AssertIfWarnings::operator()(const "
+                                      "fl::ustring&) const");
+}
+
+LogBuiltinVariantExecution_::LogBuiltinVariantExecution_(const BuiltinVariant* variant) : variant_(variant) {
+    logExecution("Executing: ", variant_, __LINE__);
+}
+
+LogBuiltinVariantExecution_::~LogBuiltinVariantExecution_() {
+    logExecution("Execution complete: ", variant_, __LINE__);
+}
+
+} // namespace detail
+
+} // namespace builtinreg
+
+} // namespace Velloc::builtin
