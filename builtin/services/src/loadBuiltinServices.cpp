@@ -3,6 +3,7 @@
 
 #include <foundation/log/Channel.hpp>
 
+#include <atomic>
 #include <exception>
 #include <string>
 
@@ -10,24 +11,29 @@ namespace Velloc::builtin::builtinreg {
 
 namespace {
 
-bool startBuiltinServicesBundle() {
+void startBuiltinServicesBundle() {
     const std::filesystem::path bundle = getBuiltinLibraryPath(u"bin/lnxv64/builtinservices");
     try {
         foundation::cppmicroservices::installAndStart(bundle, "(started-in=builtin2/builtin)");
-        return true;
     } catch (const std::exception& error) {
         static const foundation::log::Channel& channel = foundation::log::channel("builtinservice::startBundle");
         foundation::log::logIf(channel, 0, __FILE__, __LINE__, [&] {
             return "Unable to start the builtin services at " + bundle.string() + ", Details: " + error.what();
         });
-        return false;
     }
 }
 
 } // namespace
 
+// Threads that arrive before the first start has finished each start the bundle: starting
+// is idempotent and the framework serialises it. A one-time guard here could deadlock
+// with a module whose activator, run under the framework's lock, looks a service up.
 void loadBuiltinServices() {
-    [[maybe_unused]] static const bool started = startBuiltinServicesBundle();
+    static std::atomic<bool> started{false};
+    if (!started.load(std::memory_order_acquire)) {
+        startBuiltinServicesBundle();
+        started.store(true, std::memory_order_release);
+    }
 }
 
 } // namespace Velloc::builtin::builtinreg

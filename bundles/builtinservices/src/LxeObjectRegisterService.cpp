@@ -1,6 +1,8 @@
 #include "LxeObjectRegisterService.hpp"
 
-#include <ocos/LxeObjectVariants.hpp>
+#include <lxe/LxeObjectTypeRegistry.hpp>
+
+#include <utility>
 
 namespace builtinservices {
 
@@ -11,7 +13,30 @@ void LxeObjectRegisterService::registerLxeObject(oxClassID classId, std::size_t 
 }
 
 void LxeObjectRegisterService::registerLxeObject(oxClassID classId, std::size_t variantId, bool flag) {
-    ocos::recordLxeObjectVariant(classId, {variantId, flag});
+    Velloc::lxe::registerLxeObjectType(classId, variantId, flag);
+}
+
+void LxeObjectRegisterService::registerLxeObjectDefaultIndexingMethods(
+    oxClassID classId, std::size_t variantId, bool flag, const Velloc::lxe::LxeObjectDefaultIndexingMethods& methods) {
+    Velloc::lxe::registerDefaultIndexingMethods(classId, variantId, flag, methods);
+}
+
+void LxeObjectRegisterService::registerParenReferenceVariant(oxClassID classId, std::size_t variantId,
+                                                             const Velloc::lxe::LxeFunctionDescriptor& first,
+                                                             const Velloc::lxe::LxeFunctionDescriptor& second,
+                                                             std::string name,
+                                                             boost::iterator_range<std::string*> names) {
+    Velloc::lxe::addParenReferenceVariant(
+        classId, variantId, {{first, second}, std::move(name), {names.begin(), names.end()}, false});
+}
+
+void LxeObjectRegisterService::registerParenAssignVariant(oxClassID classId, std::size_t variantId,
+                                                          const Velloc::lxe::LxeFunctionDescriptor& first,
+                                                          const Velloc::lxe::LxeFunctionDescriptor& second,
+                                                          std::string name, boost::iterator_range<std::string*> names,
+                                                          bool flag) {
+    Velloc::lxe::addParenAssignVariant(classId, variantId,
+                                       {{first, second}, std::move(name), {names.begin(), names.end()}, flag});
 }
 
 } // namespace builtinservices

@@ -1,4 +1,5 @@
-// Takes engine-object registrations and records them with the class-object system.
+// Takes engine-object registrations and records them with the engine's type registry,
+// which tells the class-object system in turn.
 #pragma once
 
 #include <builtin/services/ILxeObjectRegister.hpp>
@@ -9,6 +10,16 @@ class LxeObjectRegisterService final : public Velloc::builtin::ILxeObjectRegiste
 public:
     void registerLxeObject(oxClassID classId, std::size_t variantId) override;
     void registerLxeObject(oxClassID classId, std::size_t variantId, bool flag) override;
+    void registerLxeObjectDefaultIndexingMethods(oxClassID classId, std::size_t variantId, bool flag,
+                                                 const Velloc::lxe::LxeObjectDefaultIndexingMethods& methods) override;
+    void registerParenReferenceVariant(oxClassID classId, std::size_t variantId,
+                                       const Velloc::lxe::LxeFunctionDescriptor& first,
+                                       const Velloc::lxe::LxeFunctionDescriptor& second, std::string name,
+                                       boost::iterator_range<std::string*> names) override;
+    void registerParenAssignVariant(oxClassID classId, std::size_t variantId,
+                                    const Velloc::lxe::LxeFunctionDescriptor& first,
+                                    const Velloc::lxe::LxeFunctionDescriptor& second, std::string name,
+                                    boost::iterator_range<std::string*> names, bool flag) override;
 };
 
 } // namespace builtinservices

@@ -16,6 +16,10 @@ void COSClass::addMethod(COSMethod method) {
     const auto existing = std::find_if(methods_.begin(), methods_.end(),
                                        [&](const COSMethod& m) { return m.name == method.name; });
     if (existing != methods_.end()) {
+        if (existing->isSealed) {
+            throw std::logic_error("ocos::COSClass::addMethod: the method '" + method.name + "' of class '" + name_ +
+                                   "' is sealed and cannot be replaced");
+        }
         *existing = std::move(method);
     } else {
         methods_.push_back(std::move(method));
@@ -35,6 +39,21 @@ std::optional<COSMethod> COSClass::findMethod(std::string_view name) const {
 std::vector<COSMethod> COSClass::getMethods() const {
     const std::lock_guard lock(mutex_);
     return methods_;
+}
+
+void COSClass::setOfhFinder(OfhFinder finder) {
+    const std::lock_guard lock(mutex_);
+    finder_ = std::move(finder);
+}
+
+Ofh_ORVEX_fn* COSClass::findOfh(const std::string& implementation) const {
+    OfhFinder finder;
+    {
+        const std::lock_guard lock(mutex_);
+        finder = finder_;
+    }
+    // Called unlocked: a finder may itself look at this class.
+    return finder ? finder(name_, implementation) : nullptr;
 }
 
 } // namespace ocos

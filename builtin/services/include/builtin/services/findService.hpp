@@ -12,9 +12,11 @@
 namespace Velloc::builtin::builtinreg {
 
 // Installs and starts the bundle at "bin/lnxv64/builtinservices" under the installation
-// root, with the filter "(started-in=builtin2/builtin)"; only the first call does
-// anything. A bundle that cannot be started is logged on the channel
-// "builtinservice::startBundle", and its services are then simply missing.
+// root, with the filter "(started-in=builtin2/builtin)". Calls made before the first start
+// has finished each start it (starting twice changes nothing); later calls do nothing. No
+// lock is held meanwhile, so module activators may look services up. A bundle that cannot
+// be started is logged on the channel "builtinservice::startBundle", and its services are
+// then simply missing.
 void loadBuiltinServices();
 
 // The first service of interface T whose properties match the filter (a default filter

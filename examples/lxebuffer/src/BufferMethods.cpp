@@ -1,0 +1,88 @@
+#include "BufferClass.hpp"
+
+#include <lxebuffer/Buffer.hpp>
+
+#include <builtin/lxeobject/LxeObjectIndexing.hpp>
+
+#include <array>
+#include <map>
+#include <stdexcept>
+#include <string>
+
+namespace lxebuffer {
+
+namespace {
+
+std::span<const double> doublesIn(const oxArray* array) {
+    if (matrix::getClassID(array) != oxDOUBLE_CLASS || matrix::isComplex(array)) {
+        throw std::invalid_argument("buffer values must be real double arrays");
+    }
+    return {matrix::getTypedData<double>(array), matrix::getNumberOfElements(array)};
+}
+
+void requireArguments(int nrhs, int least, int most, const char* method) {
+    if (nrhs < least || nrhs > most) {
+        throw std::invalid_argument(std::string("wrong number of arguments to Buffer.") + method);
+    }
+}
+
+// Buffer.create() or Buffer.create(values)
+void create(int, oxArray** plhs, int nrhs, oxArray** prhs) {
+    requireArguments(nrhs, 0, 1, "create");
+    plhs[0] = Buffer::toOxArray(Buffer::create(nrhs == 1 ? doublesIn(prhs[0]) : std::span<const double>()));
+}
+
+// buffer.append(values)
+void append(int, oxArray**, int nrhs, oxArray** prhs) {
+    requireArguments(nrhs, 2, 2, "append");
+    Buffer::fromOxArray(prhs[0])->append(doublesIn(prhs[1]));
+}
+
+// buffer.size()
+void size(int, oxArray** plhs, int nrhs, oxArray** prhs) {
+    requireArguments(nrhs, 1, 1, "size");
+    plhs[0] = matrix::createScalar(static_cast<double>(Buffer::fromOxArray(prhs[0])->size()));
+}
+
+// buffer.values(): the elements as a row vector.
+void values(int, oxArray** plhs, int nrhs, oxArray** prhs) {
+    requireArguments(nrhs, 1, 1, "values");
+    const std::vector<double> elements = Buffer::fromOxArray(prhs[0])->values();
+    const std::array<std::size_t, 2> row{1, elements.size()};
+    plhs[0] = matrix::detail::do_create_uninitnumeric(row, oxDOUBLE_CLASS, oxREAL);
+    std::copy(elements.begin(), elements.end(), matrix::getTypedData<double>(plhs[0]));
+}
+
+struct Method {
+    const char* name;
+    Ofh_ORVEX_fn* code;
+    bool isStatic;
+};
+
+constexpr std::array<Method, 4> METHODS{{
+    {"create", &create, true},
+    {"append", &append, false},
+    {"size", &size, false},
+    {"values", &values, false},
+}};
+
+} // namespace
+
+void addBufferMethods(ocos::COSClass& cls) {
+    using Velloc::builtin::lxeobject::getGuid;
+    // The code of each method is filed under the identifier of (class, implementation).
+    auto code = std::make_shared<std::map<std::string, Ofh_ORVEX_fn*>>();
+    for (const Method& method : METHODS) {
+        (*code)[getGuid(cls.getName(), method.name)] = method.code;
+    }
+    Velloc::builtin::lxeobject::setOfhFinder(
+        cls.getName(), [code](const std::string& className, const std::string& implementation) -> Ofh_ORVEX_fn* {
+            const auto found = code->find(getGuid(className, implementation));
+            return found != code->end() ? found->second : nullptr;
+        });
+    for (const Method& method : METHODS) {
+        Velloc::builtin::lxeobject::addMethod(&cls, method.name, method.name, {}, method.isStatic, false, false);
+    }
+}
+
+} // namespace lxebuffer
