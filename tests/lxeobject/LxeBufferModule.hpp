@@ -6,5 +6,5 @@
 #include <filesystem>
 
 inline void startLxeBufferModule() {
-    foundation::cppmicroservices::installAndStart(std::filesystem::path(BUILD_ROOT) / "bin/lnxv64/lxebuffer", "");
+    foundation::cppmicroservices::installAndStart(std::filesystem::path(BUILD_ROOT) / "modules/lxebuffer", "");
 }

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # A short session with the orvex tool over the sample library: calls, a warning, an
-# error, a no-match report and an explanation. Usage: demo-session.sh PATH_TO_ORVEX
+# error, a no-match report, an explanation, and a session with an engine object.
+# Usage: demo-session.sh PATH_TO_ORVEX
 orvex=$1
 
 say() {
@@ -28,3 +29,15 @@ say call plus 1
 say explain plus 'int32(1)' 'int32(2)'
 say explain describe true
 say show upper
+
+# Several statements in one process: an engine object of the lxebuffer module, its
+# methods, its indexing, and its elements passed on to builtins.
+statements='b = lxebuffer.Buffer.create([1 2 3])
+b.append([4 5])
+n = b.size()
+b(2)
+x = plus(b(5), 10)
+v = b.values()
+b.missing()'
+printf '\n$ orvex session <<EOF\n%s\nEOF\n' "$statements"
+"$orvex" session <<<"$statements" || printf '(exit code %d)\n' "$?"

@@ -2,8 +2,10 @@
 // as bundles under the installation root (or --bundles DIR).
 #include "Commands.hpp"
 #include "Libraries.hpp"
+#include "Session.hpp"
 
 #include <exception>
+#include <fstream>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -15,6 +17,7 @@ constexpr const char* USAGE =
     "       orvex [--bundles DIR] show NAME\n"
     "       orvex [--bundles DIR] call NAME [ARG...]\n"
     "       orvex [--bundles DIR] explain NAME [ARG...]\n"
+    "       orvex [--bundles DIR] session [FILE]      statements from FILE or standard input\n"
     "ARG is a literal: 3, -2.5, [1 2; 3 4], int8(5), single(2), true, 3+4i, 'chars', \"string\"\n";
 
 int run(std::vector<std::string> args) {
@@ -23,7 +26,7 @@ int run(std::vector<std::string> args) {
         bundles = args[1];
         args.erase(args.begin(), args.begin() + 2);
     }
-    if (args.empty() || (args[0] != "list" && args.size() < 2)) {
+    if (args.empty() || (args[0] != "list" && args[0] != "session" && args.size() < 2)) {
         std::cerr << USAGE;
         return 2;
     }
@@ -31,6 +34,17 @@ int run(std::vector<std::string> args) {
     const auto builtins = orvex::loadBuiltins(bundles);
     if (command == "list") {
         return orvex::listBuiltins(builtins, std::cout);
+    }
+    if (command == "session") {
+        if (args.size() < 2) {
+            return orvex::runSession(builtins, std::cin, std::cout);
+        }
+        std::ifstream file(args[1]);
+        if (!file) {
+            std::cerr << "orvex: cannot read " << args[1] << '\n';
+            return 2;
+        }
+        return orvex::runSession(builtins, file, std::cout);
     }
     const std::string name = args[1];
     const std::vector<std::string> arguments(args.begin() + 2, args.end());
