@@ -63,6 +63,21 @@ bool acceptsComplexScalar(const BuiltinVariant& variant) {
     });
 }
 
+// Copies of every source's variants, source after source, in storage reserved once.
+template <class Sources>
+std::vector<BuiltinVariant> concatenated(const Sources& sources) {
+    std::size_t total = 0;
+    for (const auto& source : sources) {
+        total += source.size();
+    }
+    std::vector<BuiltinVariant> combined;
+    combined.reserve(total);
+    for (const auto& source : sources) {
+        combined.insert(combined.end(), source.begin(), source.end());
+    }
+    return combined;
+}
+
 } // namespace
 
 std::string toString(CleanupFinding::Kind kind) {
@@ -147,31 +162,11 @@ BuiltinVariantLists::BuiltinVariantLists(std::vector<BuiltinVariant>&& variants)
 }
 
 BuiltinVariantLists::BuiltinVariantLists(const std::initializer_list<std::vector<BuiltinVariant>>& variantLists)
-    : BuiltinVariantLists([&] {
-          std::size_t total = 0;
-          for (const auto& list : variantLists) {
-              total += list.size();
-          }
-          std::vector<BuiltinVariant> combined;
-          combined.reserve(total);
-          for (const auto& list : variantLists) {
-              combined.insert(combined.end(), list.begin(), list.end());
-          }
-          return combined;
-      }()) {}
+    : BuiltinVariantLists(concatenated(variantLists)) {}
 
 std::vector<BuiltinVariant> BuiltinVariantLists::concatenateVariantSpans(
     std::initializer_list<std::span<const BuiltinVariant>> spans) {
-    std::size_t total = 0;
-    for (const auto& span : spans) {
-        total += span.size();
-    }
-    std::vector<BuiltinVariant> combined;
-    combined.reserve(total);
-    for (const auto& span : spans) {
-        combined.insert(combined.end(), span.begin(), span.end());
-    }
-    return combined;
+    return concatenated(spans);
 }
 
 std::span<const BuiltinVariant> BuiltinVariantLists::makeSpan(const std::vector<BuiltinVariant>& variants) {
