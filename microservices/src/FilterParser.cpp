@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <stdexcept>
+#include <string>
 #include <unordered_map>
 
 namespace cppmicroservices::detail {
@@ -86,7 +87,20 @@ private:
         ++position_;
     }
 
+    // Nesting is bounded so that a filter too deep fails here, with its position, instead
+    // of exhausting the stack while it is parsed, matched or destroyed.
     FilterNode parseFilter()
+    {
+        if (depth_ == MAX_NESTING) {
+            fail("filters nest at most " + std::to_string(MAX_NESTING) + " levels deep");
+        }
+        ++depth_;
+        FilterNode node = parseParenthesised();
+        --depth_;
+        return node;
+    }
+
+    FilterNode parseParenthesised()
     {
         if (atEnd() || peek() != '(') {
             fail("expected '('");
@@ -215,8 +229,11 @@ private:
         }
     }
 
+    static constexpr std::size_t MAX_NESTING = 256;
+
     std::string_view text_;
     std::size_t position_ = 0;
+    std::size_t depth_ = 0;
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <builtin/builtinreg/Rejection.hpp>
 
 #include <sstream>
+#include <stdexcept>
 
 namespace Velloc::builtin::builtinreg {
 
@@ -35,6 +36,18 @@ std::string joined(const std::vector<std::string>& texts) {
     return out;
 }
 
+// The diagnostics read every argument the counts promise: a malformed calling form is
+// refused, as invoke refuses it, before it becomes a read past the arguments.
+VariantSignature checkedCall(const BuiltinFcn& builtin, const char* function, int nlhs, int nrhs,
+                             oxArray* const* prhs) {
+    if (nlhs < 0 || nrhs < 0 || (nrhs > 0 && prhs == nullptr)) {
+        throw std::invalid_argument(std::string(function) + " of " + builtin.name + ": " + std::to_string(nlhs) +
+                                    " outputs, " + std::to_string(nrhs) + " inputs from " +
+                                    (prhs == nullptr ? "no array" : "an array"));
+    }
+    return VariantSignature(static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs), prhs);
+}
+
 std::string callText(const std::string& name, int nlhs, const std::vector<std::string>& argumentTypes) {
     return name + "(" + joined(argumentTypes) + ") with " + std::to_string(nlhs) +
            (nlhs == 1 ? " output" : " outputs");
@@ -51,7 +64,7 @@ Explanation explain(const BuiltinFcn& builtin, int nlhs, int nrhs, oxArray* cons
     Explanation explanation;
     explanation.builtinName = builtin.name;
     explanation.hasDefaultImplementation = builtin.defaultVariant.functionDescriptor.getHostStyleEntry() != nullptr;
-    const VariantSignature call(static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs), prhs);
+    const VariantSignature call = checkedCall(builtin, "explain", nlhs, nrhs, prhs);
     explanation.argumentTypes = argumentTypesOf(call);
     const std::span<const BuiltinVariant> list = builtin.chooseVariants(nrhs, prhs, variantsToConsider);
     if (list.empty()) {
@@ -95,7 +108,7 @@ std::string toString(const Explanation& explanation) {
 }
 
 std::string describeNoMatch(const BuiltinFcn& builtin, int nlhs, int nrhs, oxArray* const* prhs) {
-    const VariantSignature call(static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs), prhs);
+    const VariantSignature call = checkedCall(builtin, "describeNoMatch", nlhs, nrhs, prhs);
     std::ostringstream out;
     out << "No variant of " << builtin.name << " accepts the call " << callText(builtin.name, nlhs, argumentTypesOf(call))
         << '.';

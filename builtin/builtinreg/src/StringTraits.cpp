@@ -3,11 +3,11 @@
 #include <builtin/services/ServiceHandles.hpp>
 
 #include <fl/i18n.hpp>
+#include <foundation/core/SourceLocation.hpp>
 #include <foundation/core/diag/terminate.hpp>
 
 #include <algorithm>
 #include <array>
-#include <source_location>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -75,7 +75,7 @@ const ArgType& TypeTraitsImpl<const detail::ScalarOrvexStringPlaceholder*>::getA
 
 const detail::ScalarOrvexStringPlaceholder*
 TypeTraitsImpl<const detail::ScalarOrvexStringPlaceholder*>::operator()(Velloc::String::String*) const {
-    const auto here = std::source_location::current();
+    const auto here = foundation::core::SourceLocation::current();
     foundation::core::diag::terminate("ScalarOrvexStringPlaceholder is not a real type and should not actually be used.",
                                       "StringTraits", static_cast<int>(here.line()), here.function_name());
 }

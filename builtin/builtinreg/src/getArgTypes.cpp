@@ -1,12 +1,12 @@
 #include <builtin/builtinreg/ArgTypes.hpp>
 
+#include <foundation/core/SourceLocation.hpp>
 #include <foundation/core/diag/terminate.hpp>
 
 #include <boost/container/small_vector.hpp>
 
 #include <cstddef>
 #include <limits>
-#include <source_location>
 #include <vector>
 
 namespace Velloc::builtin::builtinreg {
@@ -50,7 +50,7 @@ ArgTypes getArgTypes(types::SignatureTolerance tolerance,
                      const std::initializer_list<const ArgType& (*)(unsigned long)>& getArgType,
                      const ArgType& (*getOutputArgType)(std::size_t)) {
     if (numArgTypes.size() != getArgType.size()) {
-        const auto here = std::source_location::current();
+        const auto here = foundation::core::SourceLocation::current();
         foundation::core::diag::terminate("numArgTypes.size() == getArgType.size()", "getArgTypes",
                                           static_cast<int>(here.line()), here.function_name());
     }

@@ -34,7 +34,11 @@ RuntimeInfoTable& runtimeInfoTable() {
 
 std::string saveErrorPrefix(const std::string& key) { return "Error while trying to save " + key + " runtime info. Details: "; }
 
+// A mangled name holds no NUL; the demangler would stop at one and judge only the front.
 bool demangles(const std::string& name) {
+    if (name.find('\0') != std::string::npos) {
+        return false;
+    }
     int status = 0;
     const std::unique_ptr<char, decltype(&std::free)> demangled(
         abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &status), &std::free);

@@ -50,11 +50,12 @@ oxArray* createSparseDouble(std::size_t rows, std::size_t cols, bool complex) {
 }
 
 oxArray* createCell(Dims dims) {
+    auto extras = std::make_unique<detail::ArrayExtras>();
+    // A count whose element storage cannot even be sized is refused as numeric data is.
     std::size_t elements = 0;
-    if (!detail::multiplyDimensions(dims, elements)) {
+    if (!detail::multiplyDimensions(dims, elements) || elements > extras->cells.max_size()) {
         throw detail::overflowError(dims);
     }
-    auto extras = std::make_unique<detail::ArrayExtras>();
     extras->cells.resize(elements);
     return detail::createWithExtras(dims, oxCELL_CLASS, 0, std::move(extras));
 }

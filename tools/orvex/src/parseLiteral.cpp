@@ -230,9 +230,14 @@ private:
     std::optional<Scalar> parseTerm(bool allowLogical) {
         if (isDigit(peek()) || (peek() == '.' && isDigit(peek(1)))) return parseNumber();
         const std::string_view word = peekWord();
+        // Inf and NaN take the imaginary suffix as numbers do, so that a printed 3 + Infi
+        // reads back.
+        const bool imaginary = word.size() == 4 && (word.back() == 'i' || word.back() == 'j');
+        const std::string_view name = imaginary ? word.substr(0, 3) : word;
         std::optional<Scalar> term;
-        if (word == "Inf" || word == "inf") term = Scalar{.real = std::numeric_limits<double>::infinity()};
-        if (word == "NaN" || word == "nan") term = Scalar{.real = std::numeric_limits<double>::quiet_NaN()};
+        if (name == "Inf" || name == "inf") term = Scalar{.real = std::numeric_limits<double>::infinity()};
+        if (name == "NaN" || name == "nan") term = Scalar{.real = std::numeric_limits<double>::quiet_NaN()};
+        if (term && imaginary) term = Scalar{.imag = term->real, .complex = true};
         if (allowLogical && (word == "true" || word == "false")) {
             term = Scalar{.real = word == "true" ? 1.0 : 0.0, .logical = true};
         }

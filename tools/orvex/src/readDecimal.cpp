@@ -11,16 +11,19 @@ namespace orvex::detail {
 namespace {
 
 // The value of the explicit exponent; a huge one keeps only its sign, which is all that
-// matters once the number is out of range.
+// matters once the number is out of range. Bounding it leaves room for the digit counts
+// added to it.
 std::int64_t exponentOf(std::string_view number) {
     const auto e = number.find_first_of("eE");
     if (e == std::string_view::npos) return 0;
     std::string_view digits = number.substr(e + 1);
     const bool negative = digits.front() == '-';
     if (digits.front() == '-' || digits.front() == '+') digits.remove_prefix(1);
+    constexpr std::int64_t bound = std::numeric_limits<std::int32_t>::max();
     std::int64_t exponent = 0;
-    if (std::from_chars(digits.data(), digits.data() + digits.size(), exponent).ec != std::errc{}) {
-        exponent = std::numeric_limits<std::int32_t>::max();
+    if (std::from_chars(digits.data(), digits.data() + digits.size(), exponent).ec != std::errc{} ||
+        exponent > bound) {
+        exponent = bound;
     }
     return negative ? -exponent : exponent;
 }

@@ -1,10 +1,10 @@
 #include <builtin/builtinreg/ElementWiseRules.hpp>
 
 #include <foundation/core/demangle.hpp>
+#include <foundation/core/SourceLocation.hpp>
 #include <foundation/core/diag/terminate.hpp>
 
 #include <algorithm>
-#include <source_location>
 #include <stdexcept>
 #include <string>
 
@@ -32,7 +32,7 @@ void assertElementwiseDimensions(const std::size_t* first, const std::size_t* la
     const bool agree = std::all_of(extent + 1, last, [&](std::size_t value) { return value == 1 || value == *extent; });
     if (!agree) {
         foundation::core::diag::terminate("the ith dim of each input array should be equal or 1", ASSERTION_SOURCE,
-                                          DIMENSION_ASSERTION_LINE, std::source_location::current().function_name());
+                                          DIMENSION_ASSERTION_LINE, foundation::core::SourceLocation::current().function_name());
     }
 }
 
@@ -41,7 +41,7 @@ void assertOrThrowWrongElementWiseArg(const std::type_info& expected, const std:
                                 " but actually contained " + foundation::core::demangle_typeid_name(actual.name());
     if (terminate && foundation::core::diag::terminationsArmed()) {
         foundation::core::diag::terminate(message, ASSERTION_SOURCE, ARGUMENT_ASSERTION_LINE,
-                                          std::source_location::current().function_name());
+                                          foundation::core::SourceLocation::current().function_name());
     }
     throw std::logic_error(message);
 }

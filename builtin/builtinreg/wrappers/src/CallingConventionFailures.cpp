@@ -3,9 +3,9 @@
 
 #include <builtin/BuiltinVariant.hpp>
 
+#include <foundation/core/SourceLocation.hpp>
 #include <foundation/core/diag/terminate.hpp>
 
-#include <source_location>
 #include <string>
 
 namespace Velloc::builtin::builtinreg::detail {
@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* SOURCE = "InlineCWrappers";
 
-[[noreturn]] void fail(const std::string& message, std::source_location here) {
+[[noreturn]] void fail(const std::string& message, foundation::core::SourceLocation here) {
     foundation::core::diag::terminate(message, SOURCE, static_cast<int>(here.line()), here.function_name());
 }
 
@@ -22,17 +22,17 @@ constexpr const char* SOURCE = "InlineCWrappers";
 
 void terminateUnexpectedCallingConvention(lxe::JIT_CALLING_CONVENTION convention) {
     if (convention == lxe::CanThrowLxeInternal) {
-        fail("CanThrowLxeInternal should not be encountered by builtin2 code", std::source_location::current());
+        fail("CanThrowLxeInternal should not be encountered by builtin2 code", foundation::core::SourceLocation::current());
     }
     fail("unexpected JIT_CALLING_CONVENTION encountered by builtin2 code: " +
              std::to_string(static_cast<std::int32_t>(convention)),
-         std::source_location::current());
+         foundation::core::SourceLocation::current());
 }
 
 void assertInvalidCallingConvention(const std::string& name, const BuiltinVariant& variant) {
     fail(name + " variant was created without an valid jit calling convention: " +
              std::to_string(static_cast<std::int32_t>(variant.functionDescriptor.getCallingConvention())),
-         std::source_location::current());
+         foundation::core::SourceLocation::current());
 }
 
 } // namespace Velloc::builtin::builtinreg::detail

@@ -1,7 +1,7 @@
 // The literal language of the orvex command line: one argument becomes one host array.
 //
 //   3  -2.5  1e3  .5  Inf  NaN          1x1 double
-//   3+4i  -2i  1-0.5j                   1x1 complex double
+//   3+4i  -2i  1-0.5j  1+Infi           1x1 complex double
 //   [1 2; 3 4]  [1, 2, 3]  []           double matrices, complex if any element is;
 //                                       a newline ends a row as ';' does
 //   true  false  [true false]           logical

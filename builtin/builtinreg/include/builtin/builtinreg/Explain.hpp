@@ -31,6 +31,8 @@ struct Explanation {
     bool hasDefaultImplementation = false;
 };
 
+// Like invoke, explain and describeNoMatch refuse a malformed calling form (a negative
+// count, or inputs without an array) with std::invalid_argument.
 Explanation explain(const BuiltinFcn& builtin, int nlhs, int nrhs, oxArray* const* prhs,
                     BuiltinFcn::VariantsToConsider variantsToConsider = BuiltinFcn::NoLxe);
 std::string toString(const Explanation& explanation);

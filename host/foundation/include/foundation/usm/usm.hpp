@@ -6,13 +6,13 @@
 #pragma once
 
 #include <foundation/core/demangle.hpp>
+#include <foundation/core/SourceLocation.hpp>
 #include <foundation/core/diag/terminate.hpp>
 
 #include <cstddef>
 #include <map>
 #include <memory>
 #include <mutex>
-#include <source_location>
 #include <stdexcept>
 #include <string>
 #include <typeindex>
@@ -123,7 +123,7 @@ T& findOrThrow(std::size_t id) {
 // For objects whose presence is an invariant of the caller: a missing one is a defect
 // and ends the process, reported at the caller's location.
 template <class T>
-T& findOrFail(std::size_t id, std::source_location where = std::source_location::current()) {
+T& findOrFail(std::size_t id, core::SourceLocation where = core::SourceLocation::current()) {
     T* object = find<T>(id);
     if (object == nullptr) {
         core::diag::terminate(detail::missingObjectText(typeid(T), id), where.file_name(),
