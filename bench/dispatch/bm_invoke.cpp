@@ -2,6 +2,9 @@
 // creates its output: an indirect call and one allocation of an array's size.
 #include <builtin/builtinreg/MakeVariant.hpp>
 
+#include <foundation/core/diag/terminate.hpp>
+#include <foundation/usm/usm.hpp>
+
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -35,19 +38,52 @@ const BuiltinFcn& plusBuiltin() {
     return builtin;
 }
 
-void BM_InvokeScalarPlus(benchmark::State& state) {
-    const BuiltinFcn& plus = plusBuiltin();
-    matrix::ArrayPtr a(matrix::createScalar<double>(1));
-    matrix::ArrayPtr b(matrix::createScalar<double>(2));
-    oxArray* args[] = {a.get(), b.get()};
+void invokeRepeatedly(benchmark::State& state, const BuiltinFcn& builtin, oxArray* a, oxArray* b) {
+    oxArray* args[] = {a, b};
     for (auto _ : state) {
         oxArray* result = nullptr;
-        plus.invoke(1, &result, 2, args, BuiltinFcn::NoLxe);
+        builtin.invoke(1, &result, 2, args, BuiltinFcn::NoLxe);
         benchmark::DoNotOptimize(result);
         matrix::destroyArray(result);
     }
 }
+
+// Checks disarmed, as a production host runs: they cost one flag read.
+void BM_InvokeScalarPlus(benchmark::State& state) {
+    matrix::ArrayPtr a(matrix::createScalar<double>(1));
+    matrix::ArrayPtr b(matrix::createScalar<double>(2));
+    invokeRepeatedly(state, plusBuiltin(), a.get(), b.get());
+}
 BENCHMARK(BM_InvokeScalarPlus);
+
+// Armed, in a language instance: the variant is pushed as the active one, its warnings
+// are captured, and its execution traced.
+void BM_InvokeScalarPlusChecksArmed(benchmark::State& state) {
+    foundation::usm::OvmInstance instance;
+    const foundation::usm::CurrentOvm current(instance);
+    const bool wasArmed = foundation::core::diag::terminationsArmed();
+    foundation::core::diag::setTerminationsArmed(true);
+    matrix::ArrayPtr a(matrix::createScalar<double>(1));
+    matrix::ArrayPtr b(matrix::createScalar<double>(2));
+    invokeRepeatedly(state, plusBuiltin(), a.get(), b.get());
+    foundation::core::diag::setTerminationsArmed(wasArmed);
+}
+BENCHMARK(BM_InvokeScalarPlusChecksArmed);
+
+// The same scalar function, not element-wise: the interpreter reaches its boxed copy,
+// which passes the 1-by-1 arrays and unboxes them.
+void BM_InvokeBoxedScalar(benchmark::State& state) {
+    static const BuiltinVariantLists lists{makeVariants<&plusDouble>("plus")};
+    static const RegisteredBuiltin boxed("plus", "bench", "", lists, noDefaultImplementation("plus"));
+    if (boxed.getSearchedByInvokeNoLxe().back().originalVariant == nullptr) {
+        state.SkipWithError("no boxed copy");
+        return;
+    }
+    matrix::ArrayPtr a(matrix::createScalar<double>(1));
+    matrix::ArrayPtr b(matrix::createScalar<double>(2));
+    invokeRepeatedly(state, boxed, a.get(), b.get());
+}
+BENCHMARK(BM_InvokeBoxedScalar);
 
 template <class T>
 T same(T a, T) {
@@ -90,13 +126,7 @@ void BM_InvokeSixteenVariantsLastMatches(benchmark::State& state) {
     }
     matrix::ArrayPtr a(matrix::createCharRow(u"a"));
     matrix::ArrayPtr b(matrix::createCharRow(u"b"));
-    oxArray* args[] = {a.get(), b.get()};
-    for (auto _ : state) {
-        oxArray* result = nullptr;
-        f.invoke(1, &result, 2, args, BuiltinFcn::NoLxe);
-        benchmark::DoNotOptimize(result);
-        matrix::destroyArray(result);
-    }
+    invokeRepeatedly(state, f, a.get(), b.get());
 }
 BENCHMARK(BM_InvokeSixteenVariantsLastMatches);
 

@@ -3,8 +3,14 @@
 #include "CallConversion.hpp"
 #include "CallEnvironment.hpp"
 
+#include <builtin/builtinreg/BehaviourChecks.hpp>
+#include <builtin/builtinreg/OutputChecks.hpp>
+
+#include <foundation/core/diag/terminate.hpp>
+
 #include <boost/container/small_vector.hpp>
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -42,6 +48,55 @@ const BuiltinVariant* findAcceptingVariant(std::span<const BuiltinVariant> list,
     return nullptr;
 }
 
+// Runs the variant's entry, then reports what it collected: warnings first, even when
+// the call also failed, then the error.
+Parameter runVariant(const BuiltinVariant& variant, const Parameter* parameters) {
+    std::vector<std::u16string> warnings;
+    std::exception_ptr pendingError;
+    bool pending = false;
+    detail::CallEnvironment environment(warnings, pendingError);
+    const builtinreg::detail::LogBuiltinVariantExecution_ trace(&variant);
+    Parameter result = variant.functionDescriptor.getGenericEntry()(variant.functionDescriptor, environment, pending,
+                                                                    parameters);
+    if (pending) {
+        for (const std::u16string& warning : warnings) {
+            matrix::handleWarning(warning);
+        }
+        if (pendingError) {
+            std::rethrow_exception(pendingError);
+        }
+    }
+    return result;
+}
+
+// The same, holding the variant to its promises while it runs: a call into the language
+// is judged against it, and a warning it promised not to raise ends the process.
+Parameter runVariantChecked(const BuiltinVariant& variant, const Parameter* parameters) {
+    const builtinreg::CallsORVEXCheckAsserted active(&variant);
+    const builtinreg::detail::AssertIfWarnings assertIfWarnings(variant);
+    std::optional<matrix::WarningCapture> capture;
+    if (!variant.mayRaiseWarnings) {
+        capture.emplace(assertIfWarnings);
+    }
+    return runVariant(variant, parameters);
+}
+
+// The result that goes to the caller: a variant that declares an output must produce it,
+// and a host array it made itself must be of the declared type when checks are armed.
+// What the framework made (a converted C++ value, an element-wise loop's output) is
+// right by construction.
+oxArray* outputOf(const BuiltinVariant& variant, int nlhs, const Parameter& result, bool checked) {
+    oxArray* output = detail::toOxArray(result);
+    if (output == nullptr) {
+        builtinreg::detail::assertLhsIsNotNull(nlhs, 0, variant);
+    }
+    if (checked && !variant.outputArgTypes.empty() && !variant.isElementWise &&
+        boost::get<oxArray*>(&result) != nullptr) {
+        builtinreg::detail::assertLhsWrongType(variant, output);
+    }
+    return output;
+}
+
 void callVariant(const BuiltinVariant& variant, const VariantSignature& call, int nlhs, oxArray** plhs) {
     ParameterList parameters(call.getNrhs());
     for (std::size_t i = 0; i < call.getNrhs(); ++i) {
@@ -50,26 +105,15 @@ void callVariant(const BuiltinVariant& variant, const VariantSignature& call, in
         }
     }
 
-    std::vector<std::u16string> warnings;
-    std::exception_ptr pendingError;
-    bool pending = false;
-    detail::CallEnvironment environment(warnings, pendingError);
-    const Parameter result = variant.functionDescriptor.getGenericEntry()(variant.functionDescriptor, environment,
-                                                                          pending, parameters.data());
-    if (pending) {
-        // Warnings come first, even when the call also failed.
-        for (const std::u16string& warning : warnings) {
-            matrix::handleWarning(warning);
-        }
-        if (pendingError) {
-            std::rethrow_exception(pendingError);
-        }
-    }
+    // Checks cost one flag read when diagnostics are not armed.
+    const bool checked = fl_diag_terminate();
+    const Parameter result =
+        checked ? runVariantChecked(variant, parameters.data()) : runVariant(variant, parameters.data());
 
     if (nlhs == 1) {
-        plhs[0] = detail::toOxArray(result);
+        plhs[0] = outputOf(variant, nlhs, result, checked);
     } else if (nlhs == 0 && !variant.outputArgTypes.empty()) {
-        oxArray* output = detail::toOxArray(result);
+        oxArray* output = outputOf(variant, nlhs, result, checked);
         if (plhs != nullptr) {
             plhs[0] = output;
         } else {

@@ -130,8 +130,7 @@ TEST(Invoke, ElementWiseVariantsBroadcast) {
 TEST(Invoke, WarningsReachTheHostInOrderBeforeTheError) {
     static const BuiltinVariantLists lists{makeVariants<&warnTwiceThenFail>("f", {.mayThrowErrors = true})};
     const RegisteredBuiltin f("f", "tests", "", lists, noDefaultImplementation("f"));
-    // A scalar declaration is reached through the engine only; call the entry the way
-    // the engine does, then the way invoke does with an element-wise copy.
+    // f's own variant is the one compiled callers use; invoke reaches g's element-wise form.
     static const BuiltinVariantLists elementWise{
         makeVariants<&warnTwiceThenFail>("f", {.mayThrowErrors = true, .isElementWise = true})};
     const RegisteredBuiltin g("g", "tests", "", elementWise, noDefaultImplementation("g"));
@@ -240,7 +239,7 @@ TEST(MakeVariant, NamesAndConventionsFollowTheDeclaration) {
 TEST(FindArityRun, CallsWithoutOutputsTakeVariantsWithNoneOrOne) {
     std::vector<BuiltinVariant> list;
     for (auto& v : makeVariants<&identity>("a")) list.push_back(v);
-    for (auto& v : makeVariants<&plusDouble>("b")) list.push_back(v);
+    for (auto& v : makeVariants<&plusDouble>("b", {.isElementWise = true})) list.push_back(v);
     detail::sortVariants(list);
     EXPECT_EQ(findArityRun(list, 0, 1).size(), 1U);
     EXPECT_EQ(findArityRun(list, 1, 2).size(), 1U);

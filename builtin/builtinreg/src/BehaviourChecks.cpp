@@ -4,6 +4,7 @@
 #include <foundation/core/diag/terminate.hpp>
 #include <foundation/log/Channel.hpp>
 #include <foundation/usm/usm.hpp>
+#include <lxe/LanguageCalls.hpp>
 
 #include <deque>
 #include <memory>
@@ -62,13 +63,15 @@ void vlDoesNotCallORVEXAssertion() {
 namespace builtinreg {
 
 CallsORVEXCheckAsserted::CallsORVEXCheckAsserted(const BuiltinVariant* variant) : pushed_(false) {
-    ActiveVariants* active = nullptr;
-    try {
-        active = &foundation::usm::findOrThrow<ActiveVariants>(activeVariantsId());
-    } catch (const foundation::usm::DoesNotExistTypeError&) {
+    // The host runs the check on each call into the language once a guard has existed.
+    static const bool checkInstalled = (lxe::setLanguageEntryCheck(&vlDoesNotCallORVEXAssertion), true);
+    (void)checkInstalled;
+    ActiveVariants* active = foundation::usm::find<ActiveVariants>(activeVariantsId());
+    if (active == nullptr) {
+        if (foundation::usm::OvmInstance::current() == nullptr) {
+            return; // outside a language instance nothing is checked
+        }
         active = &foundation::usm::insert(activeVariantsId(), std::make_unique<ActiveVariants>());
-    } catch (const foundation::usm::TypeError&) {
-        return; // outside a language instance nothing is checked
     }
     active->push(variant);
     pushed_ = true;

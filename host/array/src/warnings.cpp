@@ -23,9 +23,22 @@ WarningState& warningState() {
     return *state;
 }
 
+thread_local WarningCapture* innermostCapture = nullptr;
+
 } // namespace
 
+WarningCapture::WarningCapture(const void* target, Trampoline trampoline) noexcept
+    : target_(target), trampoline_(trampoline), previous_(innermostCapture) {
+    innermostCapture = this;
+}
+
+WarningCapture::~WarningCapture() { innermostCapture = previous_; }
+
 void handleWarning(const fl::ustring& message) {
+    if (const WarningCapture* capture = innermostCapture;
+        capture != nullptr && capture->trampoline_(capture->target_, message)) {
+        return;
+    }
     WarningState& state = warningState();
     WarningHandler handler;
     {

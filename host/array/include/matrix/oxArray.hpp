@@ -145,4 +145,29 @@ void handleWarning(const fl::ustring& message);
 // "Warning: " and the text in UTF-8 to standard error.
 WarningHandler setWarningHandler(WarningHandler handler);
 
+// While in scope, every warning raised on this thread is first offered to the callback
+// (a callable bool(const fl::ustring&) that outlives the capture); when it returns true
+// the warning is consumed and the handler never sees it. Captures nest: the innermost
+// one is asked.
+class WarningCapture {
+public:
+    template <class Callback>
+    explicit WarningCapture(const Callback& callback) noexcept
+        : WarningCapture(&callback, [](const void* target, const fl::ustring& message) {
+              return (*static_cast<const Callback*>(target))(message);
+          }) {}
+    ~WarningCapture();
+    WarningCapture(const WarningCapture&) = delete;
+    WarningCapture& operator=(const WarningCapture&) = delete;
+
+private:
+    using Trampoline = bool (*)(const void* target, const fl::ustring& message);
+    WarningCapture(const void* target, Trampoline trampoline) noexcept;
+    friend void handleWarning(const fl::ustring& message);
+
+    const void* target_;
+    Trampoline trampoline_;
+    WarningCapture* previous_;
+};
+
 } // namespace matrix

@@ -2,6 +2,7 @@
 // engine call it with unboxed parameters. Generated per function at compile time.
 #pragma once
 
+#include <builtin/builtinreg/Boxing.hpp>
 #include <builtin/builtinreg/ElementWiseLoop.hpp>
 #include <builtin/builtinreg/FunctionTraits.hpp>
 #include <builtin/builtinreg/ParameterAccess.hpp>
@@ -76,17 +77,18 @@ struct GenericEntry {
             }
         };
         if (descriptor.getCallingConvention() != lxe::CanThrow) {
-            return call();
+            // Warnings of a function that promised none still reach the caller, which
+            // holds the function to its promise.
+            Parameter result = call();
+            pending = context.raisedWarnings();
+            return result;
         }
         try {
             Parameter result = call();
             pending = context.raisedWarnings();
             return result;
         } catch (...) {
-            if (lxe::ILxeBuiltinAccessors* accessors = environment.GetLxeBuiltinAccessors()) {
-                accessors->SetInternalPendingException();
-            }
-            pending = true;
+            handleBoxingException(pending, &environment);
             return Parameter();
         }
     }

@@ -14,28 +14,41 @@
 //     RegisteredBuiltin plus("plus", "sample", "adds two arrays", plusLists(), noDefaultImplementation("plus"));
 //
 // Only what differs from the defaults is stated. A function whose first parameter is
-// CallContext& may raise warnings; one that declares mayThrowErrors reports the
+// CallContext& may raise warnings (unless it declares mayRaiseWarnings = false and uses
+// the context only to call the language); one that declares mayThrowErrors reports the
 // exceptions it throws as the call's error.
+//
+// A function that is not element-wise and takes numeric scalars also gets a boxed copy
+// that takes host arrays of those classes, so that the interpreter, which holds every
+// value as an array, reaches it: a 1-by-1 array is unboxed into the scalar, any other
+// size is the language error builtin2:notScalar.
 #pragma once
 
 #include <builtin/BuiltinFcn.hpp>
 #include <builtin/builtinreg/ArgTypesOf.hpp>
 #include <builtin/builtinreg/BuiltinVariantLists.hpp>
+#include <builtin/builtinreg/CanThrowAdapter.hpp>
 #include <builtin/builtinreg/FunctionName.hpp>
 #include <builtin/builtinreg/GenericEntry.hpp>
+#include <builtin/builtinreg/HostStyleEntry.hpp>
 #include <builtin/builtinreg/VariantListHelpers.hpp>
 
+#include <functional>
+#include <initializer_list>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <typeinfo>
+#include <utility>
 #include <vector>
 
 namespace Velloc::builtin::builtinreg {
 
 struct VariantOptions {
     bool mayCallIntoOrvex = false;
-    bool mayRaiseWarnings = false;
+    // Unset: the function may warn exactly when it takes a CallContext.
+    std::optional<bool> mayRaiseWarnings = std::nullopt;
     bool mayThrowErrors = false;
     bool mayHaveSideEffects = false;
     bool isElementWise = false;
@@ -56,13 +69,28 @@ namespace detail {
 // Applies what the options add after the constructor computed the level.
 void finishVariants(std::vector<BuiltinVariant>& variants, std::size_t first, const VariantOptions& options);
 
+// The boxed inputs of an original variant: each numeric scalar becomes a host array of its
+// class and complexity, of any size. Empty when no input is a numeric scalar.
+std::vector<types::ArgType> boxedInputTypes(const BuiltinVariant& original);
+
+// Appends a checked boxed copy of each of the first count variants that has one.
+// developerInputs and boxedInputs name the C++ types, for the boxing channel.
+void appendBoxedVariants(std::vector<BuiltinVariant>& variants, std::size_t count,
+                         std::initializer_list<std::reference_wrapper<const std::type_info>> developerInputs,
+                         std::initializer_list<std::reference_wrapper<const std::type_info>> boxedInputs);
+
+template <class T>
+const std::type_info& boxedTypeOf() {
+    return isParameterValue<T> ? typeid(oxArray*) : typeid(T);
+}
+
 } // namespace detail
 
 template <auto Fcn>
 std::vector<BuiltinVariant> makeVariants(std::string_view orvexFunctionName, VariantOptions options = {}) {
     using Traits = detail::FunctionTraits<decltype(Fcn)>;
     using B = BuiltinVariant;
-    const bool warns = options.mayRaiseWarnings || Traits::takesContext;
+    const bool warns = options.mayRaiseWarnings.value_or(Traits::takesContext);
     const bool throws = options.mayThrowErrors;
     const lxe::JIT_CALLING_CONVENTION convention = warns || throws ? lxe::CanThrow : lxe::Plain;
     lxe::GenericEntry entry = &detail::GenericEntry<Fcn>::template entry<false>;
@@ -75,7 +103,13 @@ std::vector<BuiltinVariant> makeVariants(std::string_view orvexFunctionName, Var
         }
     }
     void* developerFcn = reinterpret_cast<void*>(Fcn);
-    const lxe::LxeFunctionDescriptor descriptor(entry, nullptr, convention, developerFcn);
+    // Compiled callers reach a function that warns or throws through its adapter.
+    // A function that takes a context but neither warns nor throws has no shape compiled
+    // callers know.
+    void* callee = convention == lxe::CanThrow ? detail::CanThrowAdapter<Fcn>::callee()
+                   : Traits::takesContext      ? nullptr
+                                               : developerFcn;
+    const lxe::LxeFunctionDescriptor descriptor(entry, nullptr, convention, callee);
     ArgTypes argTypes = getArgTypesOf<typename Traits::Signature>(options.tolerance);
     const std::string cppName =
         options.cppFunctionName.empty() ? detail::functionNameOf<Fcn>() : options.cppFunctionName;
@@ -88,18 +122,28 @@ std::vector<BuiltinVariant> makeVariants(std::string_view orvexFunctionName, Var
                               B::IsElementWise{options.isElementWise}, B::HasWarnings{warns},
                               std::move(argTypes.outputs), std::move(argTypes.inputs));
     detail::finishVariants(variants, 0, options);
+    if (!options.isElementWise) {
+        using Entry = detail::GenericEntry<Fcn>;
+        [&]<std::size_t... I>(std::index_sequence<I...>) {
+            detail::appendBoxedVariants(variants, variants.size(),
+                                        {std::cref(typeid(typename Entry::template Arg<I>))...},
+                                        {std::cref(detail::boxedTypeOf<typename Entry::template Arg<I>>())...});
+        }(std::make_index_sequence<Entry::ARITY>{});
+    }
     return variants;
 }
 
 // The default implementation: takes every call that no variant accepts, in the host's
-// own calling form.
+// own calling form. Outputs it leaves unset for the caller raise the language error
+// ORVEX:legacy_two_part:unassignedOutputs; a write past them ends the process.
 template <auto Fcn>
 BuiltinVariant defaultImplementation(std::string_view orvexFunctionName) {
     static_assert(std::is_same_v<decltype(Fcn), lxe::HostStyleEntry>,
                   "a default implementation is void(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs, "
                   "const BuiltinVariant&)");
-    return BuiltinVariant(reinterpret_cast<void*>(Fcn), lxe::LxeFunctionDescriptor(nullptr, Fcn, lxe::Plain), {}, {},
-                          BuiltinVariant::CallsIntoOrvex::YES, BuiltinVariant::HasWarnings::YES,
+    return BuiltinVariant(reinterpret_cast<void*>(Fcn),
+                          lxe::LxeFunctionDescriptor(nullptr, &detail::checkedHostStyleEntry, lxe::Plain),
+                          {}, {}, BuiltinVariant::CallsIntoOrvex::YES, BuiltinVariant::HasWarnings::YES,
                           BuiltinVariant::HasExceptions::YES, BuiltinVariant::HasSideEffects::YES,
                           detail::functionNameOf<Fcn>(), std::string(orvexFunctionName), "",
                           BuiltinVariant::IsElementWise::NO);
@@ -118,10 +162,13 @@ public:
 
     std::string getDefiningLibrary() const override { return definingLibrary_; }
     std::string getSummary() const override { return summary_; }
+    // What cleanup removed from or demoted in the lists, for tools that lint libraries.
+    const std::vector<CleanupFinding>& getCleanupFindings() const noexcept { return lists_.getCleanupFindings(); }
 
 private:
     std::string definingLibrary_;
     std::string summary_;
+    const BuiltinVariantLists& lists_;
 };
 
 } // namespace Velloc::builtin::builtinreg

@@ -7,13 +7,30 @@
 #include <builtin/builtinreg/ParameterConversion.hpp>
 #include <builtin/builtinreg/StringTraits.hpp>
 
+#include <foundation/core/except/Exception.hpp>
+
 #include <boost/variant/get.hpp>
 
 #include <complex>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <typeinfo>
+
+namespace Velloc::builtin::builtinreg {
+
+namespace errors {
+struct notScalar {
+    static constexpr std::string_view component = "builtin2";
+    static constexpr std::string_view key = "notScalar";
+    static constexpr std::string_view text = "Expected a scalar argument, but it has {0} elements.";
+};
+} // namespace errors
+
+using NotScalarError = foundation::core::except::Exception<errors::notScalar, std::invalid_argument>;
+
+} // namespace Velloc::builtin::builtinreg
 
 namespace Velloc::builtin::builtinreg::detail {
 
@@ -52,13 +69,16 @@ constexpr bool isComplexValue() {
     return std::is_same_v<T, std::complex<double>> || std::is_same_v<T, std::complex<float>>;
 }
 
-// A scalar read out of a host array of exactly its class and complexity.
+// A scalar read out of a host array of exactly its class and complexity. A declaration
+// that admitted another class is a defect; an array of another size is the caller's.
 template <class T>
 T scalarFromArray(const oxArray* array) {
     if (array == nullptr || matrix::getClassID(array) != classOfValue<T>() ||
-        matrix::isComplex(array) != isComplexValue<T>() || matrix::getNumberOfElements(array) != 1 ||
-        matrix::isSparse(array)) {
+        matrix::isComplex(array) != isComplexValue<T>() || matrix::isSparse(array)) {
         types::detail::assertFromParameterType(typeid(T), array);
+    }
+    if (const std::size_t count = matrix::getNumberOfElements(array); count != 1) {
+        throw NotScalarError({static_cast<long>(count)});
     }
     return *matrix::getTypedData<T>(array);
 }
