@@ -82,3 +82,11 @@ function(builtin2_install_package)
   install(FILES ${PROJECT_BINARY_DIR}/builtin2Config.cmake
                 ${PROJECT_BINARY_DIR}/builtin2ConfigVersion.cmake DESTINATION ${dest})
 endfunction()
+
+# builtin2_add_concurrency_test(<test binary> <gtest filter>): the binary's cases that run
+# threads, as one ctest case labelled "concurrency", which ./run tsan runs under
+# ThreadSanitizer. ./run test skips the label: each case also runs on its own there.
+function(builtin2_add_concurrency_test binary filter)
+  add_test(NAME ${binary}.concurrency COMMAND ${binary} --gtest_filter=${filter})
+  set_tests_properties(${binary}.concurrency PROPERTIES LABELS concurrency)
+endfunction()

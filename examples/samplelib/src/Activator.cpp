@@ -16,9 +16,11 @@ class SampleLibrary final : public Velloc::builtin::IBuiltinLibrary {
 public:
     std::string getLibraryName() const override { return LIBRARY; }
     std::vector<const BuiltinFcn*> getBuiltins() const override {
-        return {&plusBuiltin(),     &absBuiltin(),      &upperBuiltin(),      &strjoinBuiltin(),
-                &sizeBuiltin(),     &classBuiltin(),    &describeBuiltin(),   &reciprocalBuiltin(),
-                &checkedSqrtBuiltin()};
+        return {&plusBuiltin(),     &minusBuiltin(),    &timesBuiltin(),       &rdivideBuiltin(),
+                &powerBuiltin(),    &absBuiltin(),      &sqrtBuiltin(),        &hypotBuiltin(),
+                &upperBuiltin(),    &strjoinBuiltin(),  &sizeBuiltin(),        &classBuiltin(),
+                &describeBuiltin(), &reciprocalBuiltin(), &checkedSqrtBuiltin(), &nchoosekBuiltin(),
+                &twiceBuiltin()};
     }
 };
 

@@ -1,4 +1,4 @@
-// plus and abs: element-wise scalar functions for the common classes, and a host-array
+// plus and abs: element-wise scalar functions for the numeric classes, and a host-array
 // variant that mixes classes the way the language does.
 #include "SampleBuiltins.hpp"
 
@@ -42,6 +42,20 @@ std::int32_t plusInt32(std::int32_t a, std::int32_t b) {
     const std::int64_t sum = std::int64_t{a} + std::int64_t{b};
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(sum, std::numeric_limits<std::int32_t>::min(),
                                                                std::numeric_limits<std::int32_t>::max()));
+}
+
+// The other integer classes saturate the same way; long double holds every 64-bit sum.
+template <class T>
+T plusSaturating(T a, T b) {
+    const long double sum = static_cast<long double>(a) + static_cast<long double>(b);
+    return sum <= std::numeric_limits<T>::lowest() ? std::numeric_limits<T>::lowest()
+           : sum >= std::numeric_limits<T>::max() ? std::numeric_limits<T>::max()
+                                                   : static_cast<T>(sum);
+}
+
+template <class T>
+std::complex<T> plusComplex(std::complex<T> a, std::complex<T> b) {
+    return a + b;
 }
 
 bool isPlainNumeric(const oxArray* a) {
@@ -105,6 +119,15 @@ const BuiltinVariantLists& plusLists() {
         makeVariants<&plusDouble>("plus", {.isElementWise = true}),
         makeVariants<&plusSingle>("plus", {.isElementWise = true}),
         makeVariants<&plusInt32>("plus", {.isElementWise = true}),
+        makeVariants<&plusSaturating<std::int8_t>>("plus", {.isElementWise = true}),
+        makeVariants<&plusSaturating<std::uint8_t>>("plus", {.isElementWise = true}),
+        makeVariants<&plusSaturating<std::int16_t>>("plus", {.isElementWise = true}),
+        makeVariants<&plusSaturating<std::uint16_t>>("plus", {.isElementWise = true}),
+        makeVariants<&plusSaturating<std::uint32_t>>("plus", {.isElementWise = true}),
+        makeVariants<&plusSaturating<std::int64_t>>("plus", {.isElementWise = true}),
+        makeVariants<&plusSaturating<std::uint64_t>>("plus", {.isElementWise = true}),
+        makeVariants<&plusComplex<double>>("plus", {.isElementWise = true}),
+        makeVariants<&plusComplex<float>>("plus", {.isElementWise = true}),
         makeVariants<&plusArrays>("plus", {.mayThrowErrors = true}),
     };
     return lists;

@@ -16,6 +16,14 @@ const BuiltinFcn& classBuiltin();
 const BuiltinFcn& describeBuiltin();
 const BuiltinFcn& reciprocalBuiltin();
 const BuiltinFcn& checkedSqrtBuiltin();
+const BuiltinFcn& nchoosekBuiltin();
+const BuiltinFcn& twiceBuiltin();
+const BuiltinFcn& minusBuiltin();
+const BuiltinFcn& timesBuiltin();
+const BuiltinFcn& rdivideBuiltin();
+const BuiltinFcn& powerBuiltin();
+const BuiltinFcn& sqrtBuiltin();
+const BuiltinFcn& hypotBuiltin();
 
 inline constexpr const char* LIBRARY = "samplelib";
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <builtin/builtinreg/Boxing.hpp>
-#include <builtin/builtinreg/ElementWiseLoop.hpp>
+#include <builtin/builtinreg/ElementWiseCall.hpp>
 #include <builtin/builtinreg/FunctionTraits.hpp>
 #include <builtin/builtinreg/ParameterAccess.hpp>
 
@@ -58,8 +58,11 @@ struct GenericEntry {
     static Parameter callElementWise(CallContext& context, const Parameter* parameters) {
         static_assert(CAN_RUN_ELEMENT_WISE, "an element-wise function maps one or two numeric scalars to one");
         return [&]<std::size_t... I>(std::index_sequence<I...>) {
-            const auto element = [&](Arg<I>... values) { return callDeveloper(context, values...); };
-            return runElementWise<Result, Arg<I>...>(element, parameters);
+            // Stateless, so that each chunk of a parallel loop calls with its own context.
+            const auto element = [](CallContext& chunkContext, Arg<I>... values) {
+                return callDeveloper(chunkContext, values...);
+            };
+            return runElementWise<Result, Arg<I>...>(context, parameters, element);
         }(std::make_index_sequence<ARITY>{});
     }
 

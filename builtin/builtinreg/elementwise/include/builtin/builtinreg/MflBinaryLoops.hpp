@@ -9,6 +9,7 @@
 #pragma once
 
 #include <builtin/builtinreg/BroadcastBlocks.hpp>
+#include <builtin/builtinreg/ThreadSanitizerHandoff.hpp>
 
 #include <oneapi/tbb/blocked_range.h>
 #include <oneapi/tbb/parallel_for.h>
@@ -41,10 +42,18 @@ void runChunks(std::size_t count, bool serial, std::size_t grain, const Chunk& c
         return;
     }
     tbb::task_group_context context;
+    const tbb::blocked_range<std::size_t> all(0, count, grain);
+    int finished = 0;
+    releaseTo(&context);
     tbb::parallel_for(
-        tbb::blocked_range<std::size_t>(0, count, grain),
-        [&chunk](const tbb::blocked_range<std::size_t>& range) { chunk(range.begin(), range.end()); },
+        all,
+        [&](const tbb::blocked_range<std::size_t>& range) {
+            acquireFrom(&context);
+            chunk(range.begin(), range.end());
+            releaseTo(&finished);
+        },
         tbb::auto_partitioner(), context);
+    acquireFrom(&finished);
 }
 
 // out[i] = f(a[i], b[i]).
