@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # A short session with the orvex tool over the sample library: calls, a warning, an
-# error, a no-match report, an explanation, and a session with an engine object.
+# error, a boxed scalar function, a builtin that calls the language, calls made the way
+# compiled code makes them, a no-match report, an explanation, and a session with an
+# engine object.
 # Usage: demo-session.sh PATH_TO_ORVEX
 orvex=$1
 
@@ -24,6 +26,12 @@ say call class 'single(2)'
 say call describe true '[1 2]'
 say call reciprocal '[1 2 0]'
 say call checkedSqrt -4
+say call nchoosek 5 2
+say call nchoosek 60 30
+say call nchoosek '[5 6]' 2
+say call twice 'int8(100)'
+say compiled nchoosek 80 40
+say compiled plus 'int8(100)' 'int8(100)'
 say call plus '[1 2]' "{1}"
 say call plus 1
 say explain plus 'int32(1)' 'int32(2)'
@@ -39,5 +47,5 @@ b(2)
 x = plus(b(5), 10)
 v = b.values()
 b.missing()'
-printf '\n$ orvex session <<EOF\n%s\nEOF\n' "$statements"
-"$orvex" session <<<"$statements" || printf '(exit code %d)\n' "$?"
+printf '\n$ orvex <<EOF\n%s\nEOF\n' "$statements"
+"$orvex" <<<"$statements" || printf '(exit code %d)\n' "$?"

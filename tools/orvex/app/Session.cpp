@@ -1,8 +1,12 @@
 #include "Session.hpp"
 
+#include "Suggestions.hpp"
+
 #include <orvex/LiteralError.hpp>
 #include <orvex/formatArray.hpp>
 #include <orvex/parseLiteral.hpp>
+
+#include <builtin/builtinreg/Explain.hpp>
 
 #include <fl/i18n.hpp>
 #include <foundation/core/except/Exception.hpp>
@@ -13,16 +17,28 @@
 #include <algorithm>
 #include <cctype>
 #include <istream>
-#include <map>
+#include <memory>
 #include <ostream>
 #include <stdexcept>
-#include <string>
 
 namespace orvex {
 
 namespace {
 
 using Velloc::builtin::BuiltinFcn;
+
+// The prompt a statement is echoed after; carets are aligned for it.
+constexpr std::size_t PROMPT_WIDTH = 3;
+
+// An error that belongs to a place in the statement.
+class StatementError : public std::invalid_argument {
+public:
+    StatementError(std::size_t column, const std::string& message) : std::invalid_argument(message), column_(column) {}
+    std::size_t column() const noexcept { return column_; }
+
+private:
+    std::size_t column_;
+};
 
 std::string_view trimmed(std::string_view text) {
     while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
@@ -63,143 +79,186 @@ std::vector<std::string_view> splitArguments(std::string_view text) {
     return parts;
 }
 
-struct Arguments {
-    std::vector<matrix::ArrayPtr> owned;
+std::vector<oxArray*> handlesOf(const std::vector<matrix::ArrayPtr>& arrays) {
     std::vector<oxArray*> handles;
-    void add(matrix::ArrayPtr array) {
+    for (const matrix::ArrayPtr& array : arrays) {
         handles.push_back(array.get());
-        owned.push_back(std::move(array));
     }
-    void prepend(oxArray* array) {
-        handles.insert(handles.begin(), array);
-        owned.insert(owned.begin(), matrix::ArrayPtr(array));
-    }
-    int count() const { return static_cast<int>(handles.size()); }
-    Velloc::lxe::IndexArrays constHandles() const {
-        return {const_cast<const oxArray* const*>(handles.data()), handles.size()};
-    }
-};
-
-class Session {
-public:
-    Session(const std::vector<LoadedBuiltin>& builtins, std::ostream& out) : builtins_(builtins), out_(out) {}
-
-    // False when the statement failed.
-    bool run(std::string_view line) {
-        try {
-            std::string target = "ans";
-            std::string_view expression = line;
-            const std::size_t equals = line.find('=');
-            if (equals != std::string_view::npos && isName(trimmed(line.substr(0, equals)))) {
-                target = std::string(trimmed(line.substr(0, equals)));
-                expression = trimmed(line.substr(equals + 1));
-            }
-            matrix::ArrayPtr result = evaluate(expression);
-            if (result) {
-                out_ << target << " = " << formatArray(result.get()) << '\n';
-                variables_[target] = std::move(result);
-            }
-            return true;
-        } catch (const LiteralError& error) {
-            out_ << error.what() << '\n';
-        } catch (const foundation::core::except::IdentifiedException& error) {
-            out_ << "Error (" << error.getId().component << ':' << error.getId().key << "): " << error.message()
-                 << '\n';
-        } catch (const std::exception& error) {
-            out_ << "Error: " << error.what() << '\n';
-        }
-        return false;
-    }
-
-private:
-    // A call of a builtin, a method or an object's indexing, whose arguments may be calls
-    // too; anything else is a variable or a literal (casts such as int8(5) included).
-    matrix::ArrayPtr evaluate(std::string_view expression) {
-        const std::size_t open = expression.find('(');
-        if (open == std::string_view::npos || expression.back() != ')' || !isName(trimmed(expression.substr(0, open)))) {
-            return value(expression);
-        }
-        const std::string callee(trimmed(expression.substr(0, open)));
-        const auto variable = variables_.find(callee);
-        const BuiltinFcn* builtin = findBuiltin(callee);
-        if (variable == variables_.end() && builtin == nullptr && callee.find('.') == std::string::npos) {
-            return value(expression);
-        }
-        Arguments arguments;
-        for (std::string_view text : splitArguments(expression.substr(open + 1, expression.size() - open - 2))) {
-            arguments.add(evaluate(text));
-        }
-        if (variable != variables_.end()) {
-            return matrix::ArrayPtr(Velloc::lxe::parenReference(variable->second.get(), arguments.constHandles()));
-        }
-        if (builtin != nullptr) {
-            oxArray* result = nullptr;
-            builtin->invoke(1, &result, arguments.count(), arguments.handles.data(), BuiltinFcn::NoLxe);
-            return matrix::ArrayPtr(result);
-        }
-        return callMethod(callee, arguments);
-    }
-
-    // object.method(...) on a variable, or Class.method(...) for a static method.
-    matrix::ArrayPtr callMethod(const std::string& callee, Arguments& arguments) {
-        const std::size_t dot = callee.rfind('.');
-        if (dot == std::string::npos) {
-            throw std::invalid_argument("no builtin, variable or method named '" + callee + "'");
-        }
-        const std::string owner = callee.substr(0, dot);
-        const std::string method = callee.substr(dot + 1);
-        const ocos::COSClass* cls = nullptr;
-        if (const auto variable = variables_.find(owner); variable != variables_.end()) {
-            cls = ocos::findClass(matrix::getClassID(variable->second.get()));
-            arguments.prepend(matrix::addReference(variable->second.get()));
-        } else {
-            cls = ocos::findClass(owner);
-        }
-        if (cls == nullptr) {
-            throw std::invalid_argument("no variable or class named '" + owner + "'");
-        }
-        oxArray* result = nullptr;
-        ocos::callMethod(*cls, method, 1, &result, arguments.count(), arguments.handles.data());
-        return matrix::ArrayPtr(result);
-    }
-
-    matrix::ArrayPtr value(std::string_view text) {
-        if (const auto variable = variables_.find(std::string(text)); variable != variables_.end()) {
-            return matrix::ArrayPtr(matrix::addReference(variable->second.get()));
-        }
-        return parseLiteral(text);
-    }
-
-    const BuiltinFcn* findBuiltin(const std::string& name) const {
-        for (const LoadedBuiltin& loaded : builtins_) {
-            if (loaded.builtin->name == name) {
-                return loaded.builtin;
-            }
-        }
-        return nullptr;
-    }
-
-    const std::vector<LoadedBuiltin>& builtins_;
-    std::ostream& out_;
-    std::map<std::string, matrix::ArrayPtr, std::less<>> variables_;
-};
+    return handles;
+}
 
 } // namespace
 
-int runSession(const std::vector<LoadedBuiltin>& builtins, std::istream& in, std::ostream& out) {
+Session::Session(const std::vector<LoadedBuiltin>& builtins, std::ostream& out) : builtins_(builtins), out_(out) {}
+
+bool Session::run(std::string_view statement) {
+    statement_ = statement;
+    try {
+        if (statement.starts_with("help ")) {
+            help(trimmed(statement.substr(5)));
+            return true;
+        }
+        std::string target = "ans";
+        std::string_view expression = statement;
+        const std::size_t equals = statement.find('=');
+        if (equals != std::string_view::npos && isName(trimmed(statement.substr(0, equals)))) {
+            target = std::string(trimmed(statement.substr(0, equals)));
+            expression = trimmed(statement.substr(equals + 1));
+        }
+        matrix::ArrayPtr result = evaluate(expression);
+        if (result) {
+            out_ << target << " = " << formatArray(result.get()) << '\n';
+            variables_[target] = std::move(result);
+        }
+        return true;
+    } catch (const StatementError& error) {
+        out_ << std::string(PROMPT_WIDTH + error.column(), ' ') << "^ " << error.what() << '\n';
+    } catch (const foundation::core::except::IdentifiedException& error) {
+        out_ << "Error (" << error.getId().component << ':' << error.getId().key << "): " << error.message() << '\n';
+    } catch (const std::exception& error) {
+        out_ << "Error: " << error.what() << '\n';
+    }
+    return false;
+}
+
+// A call of a builtin, a method or an object's indexing, whose arguments may be calls
+// too; anything else is a variable or a literal (casts such as int8(5) included).
+matrix::ArrayPtr Session::evaluate(std::string_view expression) {
+    const std::size_t open = expression.find('(');
+    if (open == std::string_view::npos || expression.back() != ')' || !isName(trimmed(expression.substr(0, open)))) {
+        return value(expression);
+    }
+    const std::string_view callee = trimmed(expression.substr(0, open));
+    const auto variable = variables_.find(callee);
+    const BuiltinFcn* builtin = findBuiltin(callee);
+    if (variable == variables_.end() && builtin == nullptr && callee.find('.') == std::string_view::npos) {
+        return value(expression);
+    }
+    std::vector<matrix::ArrayPtr> arguments;
+    for (std::string_view text : splitArguments(expression.substr(open + 1, expression.size() - open - 2))) {
+        arguments.push_back(evaluate(text));
+    }
+    std::vector<oxArray*> handles = handlesOf(arguments);
+    if (variable != variables_.end()) {
+        return matrix::ArrayPtr(Velloc::lxe::parenReference(
+            variable->second.get(), {const_cast<const oxArray* const*>(handles.data()), handles.size()}));
+    }
+    if (builtin != nullptr) {
+        oxArray* result = nullptr;
+        builtin->invoke(1, &result, static_cast<int>(handles.size()), handles.data(), BuiltinFcn::NoLxe);
+        return matrix::ArrayPtr(result);
+    }
+    return callMethod(std::string(callee), callee, arguments);
+}
+
+// object.method(...) on a variable, or Class.method(...) for a static method.
+matrix::ArrayPtr Session::callMethod(const std::string& callee, std::string_view expression,
+                                     std::vector<matrix::ArrayPtr>& arguments) {
+    const std::size_t dot = callee.rfind('.');
+    const std::string owner = callee.substr(0, dot);
+    const std::string method = callee.substr(dot + 1);
+    const ocos::COSClass* cls = nullptr;
+    if (const auto variable = variables_.find(owner); variable != variables_.end()) {
+        cls = ocos::findClass(matrix::getClassID(variable->second.get()));
+        arguments.insert(arguments.begin(), matrix::ArrayPtr(matrix::addReference(variable->second.get())));
+    } else {
+        cls = ocos::findClass(owner);
+    }
+    if (cls == nullptr) {
+        throw StatementError(columnOf(expression), "no variable or class named '" + owner + "'");
+    }
+    std::vector<oxArray*> handles = handlesOf(arguments);
+    oxArray* result = nullptr;
+    ocos::callMethod(*cls, method, 1, &result, static_cast<int>(handles.size()), handles.data());
+    return matrix::ArrayPtr(result);
+}
+
+matrix::ArrayPtr Session::value(std::string_view text) {
+    if (const auto variable = variables_.find(text); variable != variables_.end()) {
+        return matrix::ArrayPtr(matrix::addReference(variable->second.get()));
+    }
+    try {
+        return parseLiteral(text);
+    } catch (const LiteralError& error) {
+        const std::size_t open = text.find('(');
+        const std::string_view name = trimmed(text.substr(0, open));
+        if (isName(name) && (open != std::string_view::npos || isName(text))) {
+            if (findBuiltin(name) == nullptr && variables_.find(name) == variables_.end()) {
+                unrecognized(name);
+            }
+            if (text.back() != ')') {
+                throw StatementError(columnOf(text) + text.size(), "missing closing parenthesis ')'");
+            }
+        }
+        throw StatementError(columnOf(text) + error.column(), error.message());
+    }
+}
+
+const BuiltinFcn* Session::findBuiltin(std::string_view name) const {
+    const auto found = std::find_if(builtins_.begin(), builtins_.end(),
+                                    [&](const LoadedBuiltin& loaded) { return loaded.builtin->name == name; });
+    return found != builtins_.end() ? found->builtin : nullptr;
+}
+
+void Session::help(std::string_view name) {
+    const BuiltinFcn* builtin = findBuiltin(name);
+    if (builtin == nullptr) {
+        unrecognized(name);
+    }
+    if (!builtin->getHelpContent().empty()) {
+        out_ << builtin->getHelpContent() << '\n';
+        return;
+    }
+    out_ << builtin->name << ": " << builtin->getSummary() << '\n';
+    for (const Velloc::builtin::BuiltinVariant& variant : builtin->getSearchedByInvokeNoLxe()) {
+        out_ << "  " << Velloc::builtin::builtinreg::variantLabel(variant) << '\n';
+    }
+}
+
+void Session::unrecognized(std::string_view name) const {
+    std::vector<std::string> known;
+    for (const LoadedBuiltin& loaded : builtins_) {
+        known.push_back(loaded.builtin->name);
+    }
+    for (const auto& [variable, array] : variables_) {
+        known.push_back(variable);
+    }
+    std::string message = "Unrecognized function or variable '" + std::string(name) + "'.";
+    const std::vector<std::string> near = nearestNames(name, known);
+    for (std::size_t i = 0; i < near.size(); ++i) {
+        message += (i == 0 ? " Did you mean " : i + 1 == near.size() ? " or " : ", ") + ("'" + near[i] + "'");
+    }
+    throw StatementError(columnOf(name), near.empty() ? message : message + "?");
+}
+
+// Where a part of the statement starts; parts are views into it.
+std::size_t Session::columnOf(std::string_view part) const {
+    const char* begin = statement_.data();
+    return part.data() >= begin && part.data() <= begin + statement_.size()
+               ? static_cast<std::size_t>(part.data() - begin)
+               : 0;
+}
+
+int runScript(const std::vector<LoadedBuiltin>& builtins, std::istream& in, std::ostream& out) {
+    // Warnings print where they happen, between the statement and its result.
+    const auto previous = matrix::setWarningHandler(
+        [&](const fl::ustring& message) { out << "Warning: " << fl::i18n::ustring_to_utf8(message) << '\n'; });
+    const std::shared_ptr<void> restore(nullptr, [&](void*) { matrix::setWarningHandler(previous); });
     Session session(builtins, out);
-    int status = 0;
+    std::size_t lineNumber = 0;
     for (std::string line; std::getline(in, line);) {
+        ++lineNumber;
         const std::string_view statement = trimmed(line);
         if (statement.empty() || statement.front() == '%') {
             continue;
         }
         out << ">> " << statement << '\n';
         if (!session.run(statement)) {
-            status = 1;
+            out << "stopped at line " << lineNumber << '\n';
+            return 1;
         }
     }
-    return status;
+    return 0;
 }
 
 } // namespace orvex

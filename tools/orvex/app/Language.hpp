@@ -1,0 +1,27 @@
+// The language instance the tool runs builtins in. Native code may call its builtins back
+// by name, and the builtins are held to their declared promises: the checks that run
+// under diagnostics are armed unless FL_DIAG_TERMINATE says otherwise.
+#pragma once
+
+#include "Libraries.hpp"
+
+#include <foundation/usm/usm.hpp>
+
+#include <vector>
+
+namespace orvex {
+
+class Language {
+public:
+    // builtins must outlive the language; one language runs at a time.
+    explicit Language(const std::vector<LoadedBuiltin>& builtins);
+    ~Language();
+    Language(const Language&) = delete;
+    Language& operator=(const Language&) = delete;
+
+private:
+    foundation::usm::OvmInstance instance_;
+    foundation::usm::CurrentOvm current_;
+};
+
+} // namespace orvex
