@@ -29,6 +29,8 @@ TWINS = {
     "BM_ElementWisePlusReuse": "BM_RawPlusInPlace",
     "BM_ElementWiseBroadcast": "BM_RawBroadcast",
     "BM_ElementWiseHypotParallel": "BM_ElementWiseHypotSerial",
+    "BM_RegisteredVariantsHeap": "BM_PlainVariantCopiesHeap",
+    "BM_InvokePlusAllocations": "BM_RawPlusAllocations",
 }
 
 
@@ -48,7 +50,7 @@ def main(source, target):
         twin = TWINS.get(base)
         twin_time = times.get(f"{twin}/{size}" if size else twin) if twin else None
         if twin_time:
-            labels.append(f"{name}  vs  {twin}")
+            labels.append(f"{name}  vs  {twin}".replace("/real_time", ""))
             ratios.append(time / twin_time)
     if not ratios:
         sys.exit("plot_ratios: no benchmark with its twin in " + source)
