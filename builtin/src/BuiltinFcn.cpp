@@ -94,6 +94,17 @@ std::span<const BuiltinVariant> BuiltinFcn::chooseVariants(int nrhs, oxArray* co
     return searchedByInvokeAfterLxe_.span();
 }
 
+const char* listNameOf(const BuiltinFcn& builtin, std::span<const BuiltinVariant> list) {
+    if (list.data() == builtin.getSearchedByInvokeNoLxe().data()) {
+        return "searchedByInvokeNoLxe";
+    }
+    if (list.data() == builtin.getSearchedByInvokeAfterLxeComplexScalar().data() &&
+        list.size() == builtin.getSearchedByInvokeAfterLxeComplexScalar().size()) {
+        return "searchedByInvokeAfterLxeComplexScalar";
+    }
+    return "searchedByInvokeAfterLxe";
+}
+
 std::span<const BuiltinVariant> findArityRun(std::span<const BuiltinVariant> sorted, std::uint64_t nlhs,
                                              std::uint64_t nrhs) {
     const auto first = std::partition_point(sorted.begin(), sorted.end(), [&](const BuiltinVariant& v) {

@@ -4,9 +4,11 @@
 #include "CallEnvironment.hpp"
 
 #include <builtin/builtinreg/BehaviourChecks.hpp>
+#include <builtin/builtinreg/Explain.hpp>
 #include <builtin/builtinreg/OutputChecks.hpp>
 
 #include <foundation/core/diag/terminate.hpp>
+#include <foundation/log/Channel.hpp>
 
 #include <boost/container/small_vector.hpp>
 
@@ -125,6 +127,24 @@ void callVariant(const BuiltinVariant& variant, const VariantSignature& call, in
     }
 }
 
+const foundation::log::Channel& dispatchChannel() {
+    static const foundation::log::Channel& channel = foundation::log::channel("builtin2::dispatch");
+    return channel;
+}
+
+// One record per call on "builtin2::dispatch": the builtin, the list searched and the
+// variant taken ("plus: searchedByInvokeNoLxe -> samplelib::plusDouble [double, double]").
+// A disabled channel costs one flag read.
+void traceDispatch(const BuiltinFcn& builtin, std::span<const BuiltinVariant> list, const BuiltinVariant* taken) {
+    foundation::log::logIf(dispatchChannel(), 1, "invoke", __LINE__, [&] {
+        std::string text = builtin.name + ": " + listNameOf(builtin, list) + " -> ";
+        if (taken == &builtin.defaultVariant) {
+            return text + "default implementation " + taken->cppFunctionName;
+        }
+        return text + (taken != nullptr ? builtinreg::variantLabel(*taken) : std::string("no variant"));
+    });
+}
+
 } // namespace
 
 void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
@@ -139,14 +159,17 @@ void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
     if (!list.empty()) {
         const VariantSignature call(static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs), prhs);
         if (const BuiltinVariant* variant = findAcceptingVariant(list, call)) {
+            traceDispatch(*this, list, variant);
             callVariant(*variant, call, nlhs, plhs);
             return;
         }
     }
     if (const lxe::HostStyleEntry entry = defaultVariant.functionDescriptor.getHostStyleEntry()) {
+        traceDispatch(*this, list, &defaultVariant);
         entry(nlhs, plhs, nrhs, prhs, defaultVariant);
         return;
     }
+    traceDispatch(*this, list, nullptr);
     throw std::logic_error("builtin function implementation is nullptr");
 }
 

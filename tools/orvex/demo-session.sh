@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # A short session with the orvex tool over the sample library: calls, a warning, an
 # error, a boxed scalar function, a builtin that calls the language, calls made the way
-# compiled code makes them, a no-match report, an explanation, and a session with an
-# engine object.
+# compiled code makes them, a no-match report, an explanation, lint, a builtin that is not
+# safe for several language instances, and a script with an engine object and statistics.
 # Usage: demo-session.sh PATH_TO_ORVEX
 orvex=$1
 
@@ -32,20 +32,28 @@ say call nchoosek '[5 6]' 2
 say call twice 'int8(100)'
 say compiled nchoosek 80 40
 say compiled plus 'int8(100)' 'int8(100)'
-say call plus '[1 2]' "{1}"
+say call plus '[1;2;3]' '[10 20]'
+say call minus '[1 2 3]' '[1 2]'
+say call sqrt 'single([4 -4])'
 say call plus 1
 say explain plus 'int32(1)' 'int32(2)'
 say explain describe true
 say show upper
+say lint
+printf '\n$ BUILTIN2_LOG=builtinservice::MultiOVMReporting orvex call counter\n'
+BUILTIN2_LOG=builtinservice::MultiOVMReporting "$orvex" call counter 2>&1
 
-# Several statements in one process: an engine object of the lxebuffer module, its
-# methods, its indexing, and its elements passed on to builtins.
+# A script in one process: an engine object of the lxebuffer module, its methods, its
+# indexing, its elements passed on to builtins, help, and how often each variant was
+# taken; the script stops at its first error and names the line.
 statements='b = lxebuffer.Buffer.create([1 2 3])
 b.append([4 5])
 n = b.size()
 b(2)
 x = plus(b(5), 10)
+y = times(x, [1 2 3])
+help nchoosek
 v = b.values()
 b.missing()'
-printf '\n$ orvex <<EOF\n%s\nEOF\n' "$statements"
-"$orvex" <<<"$statements" || printf '(exit code %d)\n' "$?"
+printf '\n$ orvex --stats <<EOF\n%s\nEOF\n' "$statements"
+"$orvex" --stats <<<"$statements" || printf '(exit code %d)\n' "$?"

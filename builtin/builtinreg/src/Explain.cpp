@@ -9,17 +9,6 @@ namespace Velloc::builtin::builtinreg {
 
 namespace {
 
-const char* listNameOf(const BuiltinFcn& builtin, std::span<const BuiltinVariant> list) {
-    if (list.data() == builtin.getSearchedByInvokeNoLxe().data()) {
-        return "searchedByInvokeNoLxe";
-    }
-    if (list.data() == builtin.getSearchedByInvokeAfterLxeComplexScalar().data() &&
-        list.size() == builtin.getSearchedByInvokeAfterLxeComplexScalar().size()) {
-        return "searchedByInvokeAfterLxeComplexScalar";
-    }
-    return "searchedByInvokeAfterLxe";
-}
-
 std::vector<std::string> argumentTypesOf(const VariantSignature& call) {
     std::vector<std::string> types;
     for (std::size_t i = 0; i < call.getNrhs(); ++i) {

@@ -93,6 +93,9 @@ public:
     Ofh_ORVEX_fn* fallbackFcn;
 };
 
+// The name of the list of builtin that chooseVariants returned, as diagnostics print it.
+const char* listNameOf(const BuiltinFcn& builtin, std::span<const BuiltinVariant> list);
+
 // The contiguous run of a sorted list whose variants have nrhs inputs and outputs that
 // fit nlhs (none or one when nlhs is 0).
 std::span<const BuiltinVariant> findArityRun(std::span<const BuiltinVariant> sorted, std::uint64_t nlhs,

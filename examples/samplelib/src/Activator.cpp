@@ -20,7 +20,7 @@ public:
                 &powerBuiltin(),    &absBuiltin(),      &sqrtBuiltin(),        &hypotBuiltin(),
                 &upperBuiltin(),    &strjoinBuiltin(),  &sizeBuiltin(),        &classBuiltin(),
                 &describeBuiltin(), &reciprocalBuiltin(), &checkedSqrtBuiltin(), &nchoosekBuiltin(),
-                &twiceBuiltin()};
+                &twiceBuiltin(),    &counterBuiltin()};
     }
 };
 

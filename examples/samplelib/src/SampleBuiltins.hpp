@@ -18,6 +18,7 @@ const BuiltinFcn& reciprocalBuiltin();
 const BuiltinFcn& checkedSqrtBuiltin();
 const BuiltinFcn& nchoosekBuiltin();
 const BuiltinFcn& twiceBuiltin();
+const BuiltinFcn& counterBuiltin();
 const BuiltinFcn& minusBuiltin();
 const BuiltinFcn& timesBuiltin();
 const BuiltinFcn& rdivideBuiltin();

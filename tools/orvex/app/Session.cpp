@@ -14,8 +14,11 @@
 #include <ocos/ClassRegistry.hpp>
 #include <ocos/MethodCall.hpp>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
+#include <iostream>
 #include <istream>
 #include <memory>
 #include <ostream>
@@ -239,22 +242,54 @@ std::size_t Session::columnOf(std::string_view part) const {
                : 0;
 }
 
+namespace {
+
+// Progress of a long script on the terminal, when its output goes elsewhere: "[120/1000]"
+// rewritten in place on standard error, and wiped at the end.
+class Progress {
+public:
+    explicit Progress(std::size_t total) : shown_(total >= LONG_SCRIPT && isatty(STDERR_FILENO) != 0 &&
+                                                 isatty(STDOUT_FILENO) == 0),
+                                           total_(total) {}
+    ~Progress() {
+        if (shown_) {
+            std::cerr << "\r\033[K" << std::flush;
+        }
+    }
+    void at(std::size_t line) const {
+        if (shown_) {
+            std::cerr << "\r[" << line << '/' << total_ << ']' << std::flush;
+        }
+    }
+
+private:
+    static constexpr std::size_t LONG_SCRIPT = 100;
+    bool shown_;
+    std::size_t total_;
+};
+
+} // namespace
+
 int runScript(const std::vector<LoadedBuiltin>& builtins, std::istream& in, std::ostream& out) {
     // Warnings print where they happen, between the statement and its result.
     const auto previous = matrix::setWarningHandler(
         [&](const fl::ustring& message) { out << "Warning: " << fl::i18n::ustring_to_utf8(message) << '\n'; });
     const std::shared_ptr<void> restore(nullptr, [&](void*) { matrix::setWarningHandler(previous); });
-    Session session(builtins, out);
-    std::size_t lineNumber = 0;
+    std::vector<std::string> lines;
     for (std::string line; std::getline(in, line);) {
-        ++lineNumber;
-        const std::string_view statement = trimmed(line);
+        lines.push_back(std::move(line));
+    }
+    const Progress progress(lines.size());
+    Session session(builtins, out);
+    for (std::size_t number = 1; number <= lines.size(); ++number) {
+        progress.at(number);
+        const std::string_view statement = trimmed(lines[number - 1]);
         if (statement.empty() || statement.front() == '%') {
             continue;
         }
         out << ">> " << statement << '\n';
         if (!session.run(statement)) {
-            out << "stopped at line " << lineNumber << '\n';
+            out << "stopped at line " << number << '\n';
             return 1;
         }
     }

@@ -9,6 +9,7 @@
 #include "Lint.hpp"
 #include "Repl.hpp"
 #include "Session.hpp"
+#include "Stats.hpp"
 
 #include <unistd.h>
 
@@ -16,14 +17,16 @@
 #include <exception>
 #include <fstream>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace {
 
 constexpr const char* USAGE =
-    "usage: orvex [--bundles DIR]                    a session: interactive on a terminal, else a script\n"
-    "       orvex [--bundles DIR] FILE               the statements of FILE as a script\n"
+    "usage: orvex [--bundles DIR] [--stats]          a session: interactive on a terminal, else a script\n"
+    "       orvex [--bundles DIR] [--stats] FILE     the statements of FILE as a script\n"
+    "         --stats: afterwards, how often each variant was taken\n"
     "       orvex [--bundles DIR] list\n"
     "       orvex [--bundles DIR] dump [--json]       every builtin, its lists and variants\n"
     "       orvex [--bundles DIR] lint [--json] [LIBRARY...]  variants cleanup removed or found shadowed\n"
@@ -39,6 +42,11 @@ int run(std::vector<std::string> args) {
         bundles = args[1];
         args.erase(args.begin(), args.begin() + 2);
     }
+    std::optional<orvex::DispatchStats> stats;
+    if (!args.empty() && args[0] == "--stats") {
+        stats.emplace();
+        args.erase(args.begin());
+    }
     const std::vector<std::string> commands{"list", "dump", "lint", "show", "call", "compiled", "explain"};
     const bool isCommand = !args.empty() && std::find(commands.begin(), commands.end(), args[0]) != commands.end();
     if (args.size() > 1 && !isCommand) {
@@ -47,17 +55,22 @@ int run(std::vector<std::string> args) {
     }
     const auto builtins = orvex::loadBuiltins(bundles);
     const orvex::Language language(builtins);
-    if (args.empty()) {
-        return isatty(STDIN_FILENO) != 0 ? orvex::runInteractive(builtins)
-                                         : orvex::runScript(builtins, std::cin, std::cout);
-    }
     if (!isCommand) {
-        std::ifstream file(args[0]);
-        if (!file) {
-            std::cerr << "orvex: cannot read " << args[0] << '\n';
-            return 2;
+        std::ifstream file;
+        if (!args.empty()) {
+            file.open(args[0]);
+            if (!file) {
+                std::cerr << "orvex: cannot read " << args[0] << '\n';
+                return 2;
+            }
         }
-        return orvex::runScript(builtins, file, std::cout);
+        const int status = args.empty() && isatty(STDIN_FILENO) != 0
+                               ? orvex::runInteractive(builtins)
+                               : orvex::runScript(builtins, args.empty() ? std::cin : file, std::cout);
+        if (stats) {
+            stats->print(std::cout);
+        }
+        return status;
     }
     const std::string command = args[0];
     if (command == "list") {
