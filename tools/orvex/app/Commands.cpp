@@ -24,13 +24,11 @@ constexpr int BUILTIN_ERROR = 1;
 constexpr int USAGE_ERROR = 2;
 
 const BuiltinFcn* findBuiltin(const std::vector<LoadedBuiltin>& builtins, const std::string& name, std::ostream& out) {
-    const auto it = std::find_if(builtins.begin(), builtins.end(),
-                                 [&](const LoadedBuiltin& loaded) { return loaded.builtin->name == name; });
-    if (it == builtins.end()) {
+    const BuiltinFcn* builtin = orvex::findBuiltin(builtins, name);
+    if (builtin == nullptr) {
         out << "orvex: no builtin named '" << name << "'; 'orvex list' shows them\n";
-        return nullptr;
     }
-    return it->builtin;
+    return builtin;
 }
 
 // The arguments as host arrays, owned for the duration of the command.

@@ -119,9 +119,8 @@ const BuiltinVariant* findCompiledVariant(std::span<const BuiltinVariant> list,
 
 int callCompiled(const std::vector<LoadedBuiltin>& builtins, const std::string& name,
                  const std::vector<std::string>& argumentTexts, std::ostream& out) {
-    const auto found = std::find_if(builtins.begin(), builtins.end(),
-                                    [&](const LoadedBuiltin& loaded) { return loaded.builtin->name == name; });
-    if (found == builtins.end()) {
+    const Velloc::builtin::BuiltinFcn* builtin = findBuiltin(builtins, name);
+    if (builtin == nullptr) {
         out << "orvex: no builtin named '" << name << "'; 'orvex list' shows them\n";
         return 2;
     }
@@ -147,7 +146,7 @@ int callCompiled(const std::vector<LoadedBuiltin>& builtins, const std::string& 
     const BuiltinVariant* variant =
         arguments.empty() || arguments.size() > 2
             ? nullptr
-            : findCompiledVariant({found->builtin->variants, found->builtin->numVariants}, arguments, resultIndex);
+            : findCompiledVariant({builtin->variants, builtin->numVariants}, arguments, resultIndex);
     if (variant == nullptr) {
         out << "orvex: no variant of " << name << " that the engine calls takes these one or two scalars\n";
         return 2;

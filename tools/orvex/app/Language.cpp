@@ -15,13 +15,11 @@ namespace {
 const std::vector<LoadedBuiltin>* running = nullptr;
 
 void callByName(std::string_view name, int nlhs, oxArray** plhs, int nrhs, oxArray** prhs) {
-    // The builtins are sorted by name.
-    const auto found = std::lower_bound(running->begin(), running->end(), name,
-                                        [](const LoadedBuiltin& b, std::string_view n) { return b.builtin->name < n; });
-    if (found == running->end() || found->builtin->name != name) {
+    const Velloc::builtin::BuiltinFcn* builtin = findBuiltin(*running, name);
+    if (builtin == nullptr) {
         throw std::invalid_argument("Unrecognized function '" + std::string(name) + "'.");
     }
-    found->builtin->invoke(nlhs, plhs, nrhs, prhs, Velloc::builtin::BuiltinFcn::NoLxe);
+    builtin->invoke(nlhs, plhs, nrhs, prhs, Velloc::builtin::BuiltinFcn::NoLxe);
 }
 
 } // namespace

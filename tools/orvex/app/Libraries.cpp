@@ -36,4 +36,10 @@ std::vector<LoadedBuiltin> loadBuiltins(const std::filesystem::path& directory) 
     return builtins;
 }
 
+const Velloc::builtin::BuiltinFcn* findBuiltin(const std::vector<LoadedBuiltin>& builtins, std::string_view name) {
+    const auto found = std::lower_bound(builtins.begin(), builtins.end(), name,
+                                        [](const LoadedBuiltin& b, std::string_view n) { return b.builtin->name < n; });
+    return found != builtins.end() && found->builtin->name == name ? found->builtin : nullptr;
+}
+
 } // namespace orvex

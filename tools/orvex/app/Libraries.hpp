@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvex {
@@ -19,6 +20,10 @@ struct LoadedBuiltin {
 // Starts every bundle under directory and collects the builtins their libraries publish,
 // sorted by name. The libraries stay loaded until the process exits.
 std::vector<LoadedBuiltin> loadBuiltins(const std::filesystem::path& directory);
+
+// The builtin of that name in a list sorted by name, as loadBuiltins returns it; null
+// when there is none.
+const Velloc::builtin::BuiltinFcn* findBuiltin(const std::vector<LoadedBuiltin>& builtins, std::string_view name);
 
 // The default directory of bundles: "modules" under the installation root.
 std::filesystem::path defaultBundleDirectory();

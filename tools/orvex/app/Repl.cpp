@@ -8,7 +8,6 @@
 
 #include <editline/readline.h>
 
-#include <cctype>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -21,12 +20,6 @@ namespace {
 struct FreeLine {
     void operator()(char* line) const { std::free(line); }
 };
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
-    return text;
-}
 
 } // namespace
 

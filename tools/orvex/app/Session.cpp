@@ -43,12 +43,6 @@ private:
     std::size_t column_;
 };
 
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
-    return text;
-}
-
 bool isName(std::string_view text) {
     return !text.empty() && (std::isalpha(static_cast<unsigned char>(text[0])) || text[0] == '_') &&
            std::all_of(text.begin(), text.end(),
@@ -91,6 +85,12 @@ std::vector<oxArray*> handlesOf(const std::vector<matrix::ArrayPtr>& arrays) {
 }
 
 } // namespace
+
+std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
+    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
+    return text;
+}
 
 Session::Session(const std::vector<LoadedBuiltin>& builtins, std::ostream& out) : builtins_(builtins), out_(out) {}
 
@@ -198,9 +198,7 @@ matrix::ArrayPtr Session::value(std::string_view text) {
 }
 
 const BuiltinFcn* Session::findBuiltin(std::string_view name) const {
-    const auto found = std::find_if(builtins_.begin(), builtins_.end(),
-                                    [&](const LoadedBuiltin& loaded) { return loaded.builtin->name == name; });
-    return found != builtins_.end() ? found->builtin : nullptr;
+    return orvex::findBuiltin(builtins_, name);
 }
 
 void Session::help(std::string_view name) {

@@ -47,6 +47,9 @@ private:
     std::string_view statement_;
 };
 
+// text without the blanks around it.
+std::string_view trimmed(std::string_view text);
+
 // Runs the statements of a script, one per line (blank lines and lines starting with %
 // are skipped), echoing each; stops at the first that fails. Returns 1 then, naming the
 // line, else 0.
