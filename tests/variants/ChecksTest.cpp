@@ -3,12 +3,14 @@
 #include <builtin/builtinreg/BehaviourChecks.hpp>
 #include <builtin/builtinreg/OutputChecks.hpp>
 
+#include <foundation/core/except/messages/legacy_two_part.hpp>
 #include <foundation/log/Channel.hpp>
 #include <foundation/usm/usm.hpp>
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <type_traits>
 
 namespace {
 
@@ -38,6 +40,11 @@ TEST(OutputChecksDeathTest, BrokenOutputContractsEndTheProcess) {
     detail::assertLhsWrongType(declaresDouble, number.get());
     EXPECT_THROW(detail::assertLhsWrongType(variant({}, {}), number.get()), std::out_of_range);
 }
+
+// The builtin library raises the host's own message id, which a file may include beside it.
+static_assert(std::is_same_v<Velloc::builtin::UnassignedOutputsError,
+                             foundation::core::except::Exception<ORVEX::legacy_two_part::unassignedOutputs,
+                                                                 std::exception>>);
 
 TEST(OutputChecks, UnassignedOutputsAreFreedAndReported) {
     oxArray* plhs[3] = {doubles(1, 1), nullptr, doubles(2, 2)};

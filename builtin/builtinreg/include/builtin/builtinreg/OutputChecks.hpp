@@ -7,18 +7,11 @@
 #include <builtin/Parameter.hpp>
 
 #include <foundation/core/except/Exception.hpp>
+#include <foundation/core/except/messages/legacy_two_part.hpp>
 
 #include <cstdint>
 #include <string>
 #include <typeinfo>
-
-namespace ORVEX::legacy_two_part {
-struct unassignedOutputs {
-    static constexpr std::string_view component = "ORVEX:legacy_two_part";
-    static constexpr std::string_view key = "unassignedOutputs";
-    static constexpr std::string_view text = "One or more output arguments not assigned during call to \"{0}\".";
-};
-} // namespace ORVEX::legacy_two_part
 
 namespace Velloc::builtin {
 
