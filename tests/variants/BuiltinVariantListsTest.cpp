@@ -109,16 +109,20 @@ TEST(BuiltinVariantLists, PartitionPlacesEachLevel) {
     EXPECT_EQ(namesOf(lists.searchedByInvokeNoLxe), (Names{"complexCapable", "open"}));
 }
 
-TEST(BuiltinVariantLists, LogsEachStageUnderItsHeading) {
+TEST(BuiltinVariantLists, LogsEachStageUnderItsHeadingAndTheFindingsApart) {
     foundation::log::ScopedCapture cleanup("builtin2::cleanupVariants");
+    foundation::log::ScopedCapture findings("builtin2::cleanupFindings");
     foundation::log::ScopedCapture partition("builtin2::BuiltinVariantLists");
-    const BuiltinVariantLists lists({{variant({anyArray()}, {anyArray()})}});
+    const BuiltinVariantLists lists({{variant({doubleArrayAnyShape()}, {anyArray()}, {.callsIntoOrvex = true}, "first"),
+                                      variant({anyArray()}, {anyArray()}, {}, "later")}});
     Names headings;
     for (const auto& record : cleanup.records()) {
         headings.push_back(record.text.substr(0, record.text.find('\n') + 1));
     }
     EXPECT_EQ(headings, (Names{"before cleanup:\n", "removed unsupported:\n", "removed unreachable:\n",
-                               "removed shadowed:\n", "removed unsupported boxing variants:\n", "findings:\n"}));
+                               "removed shadowed:\n", "removed unsupported boxing variants:\n"}));
+    ASSERT_EQ(findings.records().size(), 1U);
+    EXPECT_EQ(findings.records()[0].text, "findings:\n" + toString(lists.getCleanupFindings().at(0)) + '\n');
     ASSERT_EQ(partition.records().size(), 5U);
     EXPECT_EQ(partition.records()[4].text.rfind("searchedByInvokeNoLxe:\n", 0), 0U);
 }

@@ -23,6 +23,13 @@ foundation::log::Channel& cleanupChannel() {
     return channel;
 }
 
+// What the cleanup removed or demoted, one line each: kept apart from the stage-by-stage
+// lists, so that either can be followed without the other.
+foundation::log::Channel& findingsChannel() {
+    static foundation::log::Channel& channel = foundation::log::channel("builtin2::cleanupFindings");
+    return channel;
+}
+
 foundation::log::Channel& listsChannel() {
     static foundation::log::Channel& channel = foundation::log::channel("builtin2::BuiltinVariantLists");
     return channel;
@@ -111,7 +118,7 @@ BuiltinVariantLists::BuiltinVariantLists(std::vector<BuiltinVariant>&& variants)
     logList(cleanupChannel(), "removed shadowed:\n", list);
     removeFound(list, findings_, CleanupFinding::Kind::UNSUPPORTED_BOXING, isUnsupportedBoxingVariant);
     logList(cleanupChannel(), "removed unsupported boxing variants:\n", list);
-    foundation::log::logIf(cleanupChannel(), LOG_INFO, "BuiltinVariantLists", __LINE__, [&] {
+    foundation::log::logIf(findingsChannel(), LOG_INFO, "BuiltinVariantLists", __LINE__, [&] {
         std::string text = "findings:\n";
         for (const CleanupFinding& finding : findings_) {
             text += toString(finding) + '\n';
