@@ -18,6 +18,14 @@ TEST(FatalAssertionDeathTest, ReportsMessageFileLineAndFunctionThenAborts) {
                  "  function: void ns::Widget::run\\(int\\) const\n");
 }
 
+TEST(FatalAssertionDeathTest, AFixedSiteReplacesFileAndLineButKeepsTheCallersSignature) {
+    EXPECT_DEATH(diag::terminate("identity conflict", diag::ReportSite{"LxeObjectID", 12}),
+                 "Fatal assertion: identity conflict\n"
+                 "  file: LxeObjectID\n"
+                 "  line: 12\n"
+                 "  function: [^\n]*TestBody\\(\\)\n");
+}
+
 TEST(FatalAssertionDeathTest, ArmedStateStartsFromTheEnvironment) {
     // Each child re-runs this test from the start, so its armed state is read after the
     // setenv that precedes its own death statement.

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
 
 namespace lxeobject_test {
 struct Widget {};
@@ -23,6 +24,12 @@ class LxeObjectIdentityDeathTest : public testing::Test {
 protected:
     LxeObjectIdentityDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
+
+// The fixed source and line each identity report gives, and the start of its function.
+std::string reportedAt(const char* source, int line, const char* function) {
+    return "\n  file: " + std::string(source) + "\n  line: " + std::to_string(line) + "\n  function: [^\n]*" +
+           function + "\\(";
+}
 
 const char* pointName() { return "identity.Point"; }
 const char* otherName() { return "identity.Other"; }
@@ -60,20 +67,23 @@ TEST_F(LxeObjectIdentityDeathTest, ConflictingAssignmentsEndTheProcessWhenArmed)
             foundation::core::diag::setTerminationsArmed(true);
             id.setVariantId(4);
         },
-        "Cannot assign conflicting variant id values to Velloc::builtin::builtinreg::LxeObjectId");
+        "Cannot assign conflicting variant id values to Velloc::builtin::builtinreg::LxeObjectId" +
+            reportedAt("LxeObjectID", 12, "builtinreg::assertIsDefaultVariantIdOrSame"));
     EXPECT_DEATH(
         {
             foundation::core::diag::setTerminationsArmed(true);
             id.setNameFunction(&otherName);
         },
-        "Cannot assign conflicting name functions to Velloc::builtin::builtinreg::LxeObjectId");
+        "Cannot assign conflicting name functions to Velloc::builtin::builtinreg::LxeObjectId" +
+            reportedAt("LxeObjectID", 20, "builtinreg::assertIsDefaultNameFuncPtrOrSame"));
 }
 
 TEST_F(LxeObjectIdentityDeathTest, AClassIdOtherThanTheInstancesOneEndsTheProcessWhenArmed) {
     foundation::core::diag::setTerminationsArmed(true);
     types::detail::assertLxeObjectHasExpectedClassID(oxUNKNOWN_CLASS, "identity.Point");
     EXPECT_DEATH(types::detail::assertLxeObjectHasExpectedClassID(static_cast<oxClassID>(25), "identity.Point"),
-                 "The oxClassID of LxeObjects should be consistent across all ovm instances\\.");
+                 "The oxClassID of LxeObjects should be consistent across all ovm instances\\." +
+                     reportedAt("CppLxeObjectImpl", 42, "detail::assertLxeObjectHasExpectedClassID"));
     foundation::core::diag::setTerminationsArmed(false);
     types::detail::assertLxeObjectHasExpectedClassID(static_cast<oxClassID>(25), "identity.Point");
 }
@@ -92,7 +102,8 @@ TEST_F(LxeObjectIdentityDeathTest, TheManifestIsReadOncePerClassAndVariantAndMus
     foundation::core::diag::setTerminationsArmed(false);
     EXPECT_DEATH(builtinreg::detail::assertLxeVariantIdMatches(2, manifest, typeid(lxeobject_test::Widget)),
                  "Error LxeObject lxeobject_test::Widget has different variant id between manifest\\.json\\(1\\) and "
-                 "microservice_impl\\.cpp\\(2\\)\\.");
+                 "microservice_impl\\.cpp\\(2\\)\\." +
+                     reportedAt("LxeObjectTypeTraitsImpl", 37, "detail::assertLxeVariantIdMatches"));
 }
 
 TEST(LxeObjectIdentity, KnownClassesAreAddedOnce) {

@@ -15,6 +15,9 @@ struct VariantCounters {
     std::map<oxClassID, std::size_t> lastHandedOut;
 };
 
+// The report names the site the host's tools know it by, wherever the check sits here.
+constexpr foundation::core::diag::ReportSite CLASS_ID_SITE{"CppLxeObjectImpl", 42};
+
 VariantCounters& variantCounters() {
     static auto* const counters = new VariantCounters();
     return *counters;
@@ -39,7 +42,7 @@ void registerLxeObject(std::pair<oxClassID, std::size_t>) {}
 void assertLxeObjectHasExpectedClassID(oxClassID classId, const std::string& name) {
     if (getLxeObjectClassID(name.c_str()) != classId && fl_diag_terminate()) {
         foundation::core::diag::terminate("The oxClassID of LxeObjects should be consistent across all ovm instances.",
-                                          __FILE__, __LINE__, __PRETTY_FUNCTION__);
+                                          CLASS_ID_SITE);
     }
 }
 

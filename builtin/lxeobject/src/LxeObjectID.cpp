@@ -4,11 +4,19 @@
 
 namespace Velloc::builtin::builtinreg {
 
+namespace {
+
+// These reports name the site the host's tools know them by, wherever the check sits here.
+constexpr foundation::core::diag::ReportSite VARIANT_ID_SITE{"LxeObjectID", 12};
+constexpr foundation::core::diag::ReportSite NAME_FUNCTION_SITE{"LxeObjectID", 20};
+
+} // namespace
+
 void assertIsDefaultVariantIdOrSame(std::size_t newId, std::size_t currentId, std::size_t defaultId) {
     if (currentId != newId && currentId != defaultId && fl_diag_terminate()) {
         foundation::core::diag::terminate(
-            "Cannot assign conflicting variant id values to Velloc::builtin::builtinreg::LxeObjectId", __FILE__,
-            __LINE__, __PRETTY_FUNCTION__);
+            "Cannot assign conflicting variant id values to Velloc::builtin::builtinreg::LxeObjectId",
+            VARIANT_ID_SITE);
     }
 }
 
@@ -16,8 +24,8 @@ void assertIsDefaultNameFuncPtrOrSame(LxeObjectId::NameFunction newFn, LxeObject
                                       LxeObjectId::NameFunction defaultFn) {
     if (currentFn != newFn && currentFn != defaultFn && fl_diag_terminate()) {
         foundation::core::diag::terminate(
-            "Cannot assign conflicting name functions to Velloc::builtin::builtinreg::LxeObjectId", __FILE__,
-            __LINE__, __PRETTY_FUNCTION__);
+            "Cannot assign conflicting name functions to Velloc::builtin::builtinreg::LxeObjectId",
+            NAME_FUNCTION_SITE);
     }
 }
 

@@ -14,6 +14,9 @@ namespace Velloc::builtin::builtinreg::detail {
 
 namespace {
 
+// The report names the site the host's tools know it by, wherever the check sits here.
+constexpr foundation::core::diag::ReportSite MANIFEST_MISMATCH_SITE{"LxeObjectTypeTraitsImpl", 37};
+
 struct CheckedVariantIds {
     std::mutex mutex;
     std::unordered_map<std::type_index, std::set<std::size_t>> byClass;
@@ -47,7 +50,7 @@ void assertLxeVariantIdMatches(std::size_t variantId, const std::function<std::s
                                           " has different variant id between manifest.json(" +
                                           std::to_string(declared) + ") and microservice_impl.cpp(" +
                                           std::to_string(variantId) + ").",
-                                      __FILE__, __LINE__, __PRETTY_FUNCTION__);
+                                      MANIFEST_MISMATCH_SITE);
 }
 
 } // namespace Velloc::builtin::builtinreg::detail

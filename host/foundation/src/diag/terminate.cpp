@@ -28,6 +28,10 @@ void terminate(const std::string& message, const char* file, int line, const cha
     std::abort();
 }
 
+void terminate(const std::string& message, ReportSite site, SourceLocation caller) {
+    terminate(message, site.source, site.line, caller.function_name());
+}
+
 bool terminationsArmed() { return armedFlag().load(std::memory_order_relaxed); }
 
 void setTerminationsArmed(bool armed) { armedFlag().store(armed, std::memory_order_relaxed); }
