@@ -14,6 +14,8 @@ function(builtin2_add_bundle target)
 
   add_library(${target} MODULE ${arg_SOURCES})
   target_link_libraries(${target} PRIVATE cppmicroservices ${arg_LIBS})
+  # A bundle built by another project names its sources relative to that project.
+  builtin2_map_source_prefix(${target})
   set_target_properties(${target} PROPERTIES
     PREFIX "" SUFFIX "" OUTPUT_NAME ${library_name}
     LIBRARY_OUTPUT_DIRECTORY ${arg_OUTPUT_DIRECTORY})

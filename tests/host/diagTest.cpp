@@ -26,6 +26,13 @@ TEST(FatalAssertionDeathTest, AFixedSiteReplacesFileAndLineButKeepsTheCallersSig
                  "  function: [^\n]*TestBody\\(\\)\n");
 }
 
+// Whatever folder the tree was built in, and whether or not a compiler cache handed the
+// compiler relative paths, sources are named from the root of the tree.
+TEST(SourceNames, AreRelativeToTheSourceRoot) {
+    EXPECT_STREQ(__FILE__, "tests/host/diagTest.cpp");
+    EXPECT_STREQ(foundation::core::SourceLocation::current().file_name(), "tests/host/diagTest.cpp");
+}
+
 TEST(FatalAssertionDeathTest, ArmedStateStartsFromTheEnvironment) {
     // Each child re-runs this test from the start, so its armed state is read after the
     // setenv that precedes its own death statement.

@@ -71,7 +71,8 @@ TEST(InstanceStorageDeathTest, FindOrFailTerminatesNamingTheCaller) {
     usm::OvmInstance instance;
     const usm::CurrentOvm current(instance);
     EXPECT_DEATH(usm::findOrFail<double>(id),
-                 "no object of type double under id " + std::to_string(id) + ".*usmTest.cpp.*TestBody");
+                 "no object of type double under id " + std::to_string(id) +
+                     "\n  file: tests/host/usmTest\\.cpp\n.*TestBody");
 }
 
 } // namespace
