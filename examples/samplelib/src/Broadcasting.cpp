@@ -29,8 +29,13 @@ matrix::ArrayPtr oneElementLike(const oxArray* a) {
 
 std::string sizeText(const oxArray* array) {
     std::string text;
+    // Appended piece by piece: GCC 12 reports a false -Wrestrict on prepending a literal to
+    // a temporary string once this is inlined.
     for (const std::size_t extent : matrix::getDimensions(array)) {
-        text += (text.empty() ? "" : "x") + std::to_string(extent);
+        if (!text.empty()) {
+            text += 'x';
+        }
+        text += std::to_string(extent);
     }
     return text;
 }
