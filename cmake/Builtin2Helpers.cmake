@@ -29,6 +29,16 @@ function(builtin2_map_source_prefix)
   endif()
 endfunction()
 
+# The project's own code builds with -Wall -Wextra -Wpedantic, and with BUILTIN2_WERROR a
+# warning in it fails the build. Headers of other projects come from system include
+# folders, whose warnings the compilers never report, so only our code is held to this.
+function(builtin2_apply_warnings)
+  add_compile_options(-Wall -Wextra -Wpedantic)
+  if(BUILTIN2_WERROR)
+    add_compile_options(-Werror)
+  endif()
+endfunction()
+
 # builtin2_public_headers(<target> <dir>): <dir> holds public headers of <target>,
 # used from the build tree and installed under include/.
 function(builtin2_public_headers target dir)

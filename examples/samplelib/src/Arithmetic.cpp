@@ -1,5 +1,6 @@
 // plus and abs: element-wise scalar functions for the numeric classes, and a host-array
 // variant that mixes classes the way the language does.
+#include "Broadcasting.hpp"
 #include "SampleBuiltins.hpp"
 
 #include <builtin/builtinreg/Explain.hpp>
@@ -12,7 +13,9 @@
 #include <complex>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <stdexcept>
+#include <vector>
 
 namespace samplelib {
 
@@ -25,11 +28,6 @@ struct plusUnsupported {
     static constexpr std::string_view component = "samplelib:plus";
     static constexpr std::string_view key = "unsupported";
     static constexpr std::string_view text = "plus is not defined for {0} and {1}.";
-};
-struct plusSizes {
-    static constexpr std::string_view component = "samplelib:plus";
-    static constexpr std::string_view key = "sizeMismatch";
-    static constexpr std::string_view text = "Arrays have incompatible sizes for this operation.";
 };
 } // namespace errors
 
@@ -83,21 +81,40 @@ std::string classNameOf(const oxArray* a) {
     }
 }
 
-// Double, logical and char arrays of one size, or one of them scalar, add as doubles.
+// The index into an operand of extents `from` of element i of the result of extents
+// `to` that the operand broadcasts to: singleton dimensions repeat their one element.
+std::size_t broadcastIndex(std::size_t i, std::span<const std::size_t> to, matrix::Dims from) {
+    std::size_t index = 0;
+    std::size_t stride = 1;
+    for (std::size_t d = 0; d < to.size(); ++d) {
+        const std::size_t extent = d < from.size() ? from[d] : 1;
+        const std::size_t subscript = i % to[d];
+        i /= to[d];
+        if (extent != 1) {
+            index += subscript * stride;
+        }
+        stride *= extent;
+    }
+    return index;
+}
+
+// Arrays the element-wise variants refuse: sizes that do not broadcast get the size
+// error and empty operands an empty result, in every class; double, logical and char
+// arrays, also mixed, add as doubles.
 oxArray* plusArrays(const oxArray* a, const oxArray* b) {
+    rejectSizeMismatch(a, b);
+    if (matrix::ArrayPtr empty = emptyResult(plusBuiltin(), a, b)) {
+        return empty.release();
+    }
     if (!isPlainNumeric(a) || !isPlainNumeric(b)) {
         throw Exception<errors::plusUnsupported>({classNameOf(a), classNameOf(b)});
     }
-    const std::size_t na = matrix::getNumberOfElements(a);
-    const std::size_t nb = matrix::getNumberOfElements(b);
-    const matrix::Dims dims = na == 1 ? matrix::getDimensions(b) : matrix::getDimensions(a);
-    if (na != 1 && nb != 1 && !std::ranges::equal(matrix::getDimensions(a), matrix::getDimensions(b))) {
-        throw Exception<errors::plusSizes>({});
-    }
+    const std::vector<std::size_t> dims = *broadcastDims(a, b);
     matrix::ArrayPtr out(matrix::detail::do_create_uninitnumeric(dims, oxDOUBLE_CLASS, oxREAL));
     double* sum = matrix::getTypedData<double>(out.get());
-    for (std::size_t i = 0, n = std::max(na, nb); i < n; ++i) {
-        sum[i] = elementAsDouble(a, na == 1 ? 0 : i) + elementAsDouble(b, nb == 1 ? 0 : i);
+    for (std::size_t i = 0, n = matrix::getNumberOfElements(out.get()); i < n; ++i) {
+        sum[i] = elementAsDouble(a, broadcastIndex(i, dims, matrix::getDimensions(a))) +
+                 elementAsDouble(b, broadcastIndex(i, dims, matrix::getDimensions(b)));
     }
     return out.release();
 }

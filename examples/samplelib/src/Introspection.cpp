@@ -1,5 +1,6 @@
 // size, class and describe: builtins over host arrays of any class. describe has a
 // default implementation that takes every call its variants do not.
+#include "Broadcasting.hpp"
 #include "SampleBuiltins.hpp"
 
 #include <builtin/builtinreg/MakeVariant.hpp>
@@ -40,19 +41,16 @@ std::u16string describeText(std::u16string_view text) {
     return u"text of " + fl::i18n::utf8_to_ustring(std::to_string(text.size())) + u" characters";
 }
 
-std::string sizeText(const oxArray* array) {
-    std::string text;
-    for (std::size_t extent : matrix::getDimensions(array)) {
-        text += (text.empty() ? "" : "x") + std::to_string(extent);
-    }
-    return text;
-}
-
-// Anything else, with any number of arguments: one line per argument.
+// Anything else, with any number of arguments: one line per argument. The text is appended
+// piece by piece; prepending literals to temporaries draws GCC 12's false -Wrestrict.
 void describeDefault(int, oxArray** plhs, int nrhs, oxArray** prhs, const Velloc::builtin::BuiltinVariant&) {
     std::string text = nrhs == 0 ? "nothing" : "";
     for (int i = 0; i < nrhs; ++i) {
-        text += (i == 0 ? "" : "; ") + std::string("a ") + sizeText(prhs[i]) + " " + className(prhs[i]) + " value";
+        text += i == 0 ? "a " : "; a ";
+        text += sizeText(prhs[i]);
+        text += ' ';
+        text += className(prhs[i]);
+        text += " value";
     }
     if (plhs != nullptr) {
         plhs[0] = matrix::createCharRow(fl::i18n::utf8_to_ustring(text));

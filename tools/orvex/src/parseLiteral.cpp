@@ -78,7 +78,9 @@ private:
             return code;
         }
         const std::size_t length = lead < 0x80 ? 1 : lead < 0xe0 ? 2 : lead < 0xf0 ? 3 : 4;
-        return "'" + std::string(text_.substr(pos_, length)) + "'";
+        std::string quoted = "'";
+        quoted += text_.substr(pos_, length);
+        return quoted + "'";
     }
 
     bool atEnd() const { return pos_ >= text_.size(); }
