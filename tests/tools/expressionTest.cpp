@@ -91,8 +91,12 @@ TEST(ParseExpression, PointsAtWhatItCannotRead) {
     EXPECT_EQ(failure("1 2"), "6: unexpected '2'");
     EXPECT_EQ(failure("a # b"), "6: unexpected character '#'");
     EXPECT_EQ(failure("f(1,)"), "8: unexpected ')'");
+    std::string sum = "1";
+    for (int i = 0; i < 1000; ++i) {
+        sum += "+1";
+    }
     for (const std::string& deep : {std::string(1000, '(') + "1" + std::string(1000, ')'), std::string(1000, '-') + "1",
-                                    "2^" + std::string(1000, '-') + "1"}) {
+                                    "2^" + std::string(1000, '-') + "1", sum}) {
         EXPECT_NE(failure(deep).find(": expression nested too deeply"), std::string::npos);
     }
 }

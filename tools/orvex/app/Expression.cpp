@@ -187,14 +187,17 @@ private:
         return text_.substr(start, last.position + last.text.size() - start);
     }
 
+    // One level deeper in the tree; evaluating it recurses as deep.
+    void deepen() {
+        if (++depth_ > MAX_NESTING) {
+            throw StatementError(column_ + peek().position, "expression nested too deeply");
+        }
+    }
+
     // Counts one level of nesting for as long as it lives.
     class Nesting {
     public:
-        explicit Nesting(Parser& parser) : parser_(parser) {
-            if (++parser_.depth_ > MAX_NESTING) {
-                throw StatementError(parser_.column_ + parser_.peek().position, "expression nested too deeply");
-            }
-        }
+        explicit Nesting(Parser& parser) : parser_(parser) { parser_.deepen(); }
         ~Nesting() { --parser_.depth_; }
         Nesting(const Nesting&) = delete;
         Nesting& operator=(const Nesting&) = delete;
@@ -216,15 +219,20 @@ private:
         return {Kind::RANGE, ":", column_ + colon, sourceFrom(start), std::move(operands)};
     }
 
-    // Operators at least as strong as minimum, left to right.
+    // Operators at least as strong as minimum, left to right; each makes the tree one
+    // level deeper.
     Expression binary(int minimum) {
         const std::size_t start = peek().position;
         Expression left = unary();
+        int chained = 0;
         for (int precedence = precedenceOf(peek()); precedence >= minimum; precedence = precedenceOf(peek())) {
+            deepen();
+            ++chained;
             const Token op = take();
             Expression right = precedence == POWER ? exponent() : binary(precedence + 1);
             left = combine(op, std::move(left), std::move(right), sourceFrom(start));
         }
+        depth_ -= chained;
         return left;
     }
 
