@@ -52,7 +52,7 @@ BUILTIN2_LOG=builtinservice::MultiOVMReporting "$orvex" call counter 2>&1
 # the line.
 statements='x = 1 + 2*3
 -2^2
-y = sqrt(-x) .* [1 -2]
+y = -sqrt(x + 2) .* [1 -2]
 r = 1:2:9
 r(2:end-1)
 m = [1 2 3; 4 5 6];

@@ -37,7 +37,7 @@ constexpr const char* USAGE =
     "       orvex --help | -h | help                 this text\n"
     "ARG is a literal: 3, -2.5, 1e3, Inf, 3+4i, [1 2; 3 4], [1 -2], int8(5), single(2), true,\n"
     "  'chars', \"string\"\n"
-    "A session statement is an expression, maybe assigned: x = 1 + 2*3, y = sqrt(-x) .^ 2,\n"
+    "A session statement is an expression, maybe assigned: x = 1 + 2*3, y = -sqrt(x + 2),\n"
     "  r = 1:2:9, r(end), m(2, :), b.append(4); operators call plus, minus, times, rdivide,\n"
     "  power, uminus, uplus, colon, mtimes, mrdivide, mpower; a ';' at the end keeps the result\n"
     "  quiet; 'help NAME' describes a builtin, 'help' lists them\n"
