@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """Drives the interactive session through a pseudo-terminal, as a user at a keyboard does:
-statements, a malformed one, help, and exit; the variables survive the error."""
+statements, a malformed one, operators, a quiet statement, help, and exit; the variables
+survive the error."""
 import os
 import pty
 import select
@@ -14,7 +15,8 @@ pending = b""
 
 
 def read_until(fd, expected, seconds=20):
-    """Consumes the output up to and including expected; what follows stays pending."""
+    """Consumes the output up to and including expected and returns it; what follows stays
+    pending."""
     global pending
     deadline = time.monotonic() + seconds
     while expected.encode() not in pending:
@@ -29,7 +31,8 @@ def read_until(fd, expected, seconds=20):
             sys.exit(f"the session ended before {expected!r}; it printed:\n{pending.decode(errors='replace')}")
         pending += chunk
     end = pending.index(expected.encode()) + len(expected)
-    pending = pending[end:]
+    consumed, pending = pending[:end], pending[end:]
+    return consumed.decode(errors="replace")
 
 
 pid, fd = pty.fork()
@@ -44,10 +47,17 @@ for line, expected in [
     ("y = plus(x, 10)", "y = 13"),
     ("z = pluss(y)", "Did you mean 'plus'?"),
     ("help nchoosek", "nchoosek: binomial coefficient of two scalars"),
+    ("w = -y^2 + 1;", ">> "),  # quiet: the next prompt follows the echoed line
+    ("v = w(end) / 8", "v = -21"),
+    ("help", "nchoosek"),
 ]:
     os.write(fd, (line + "\n").encode())
-    read_until(fd, expected)
-    read_until(fd, ">> ")
+    shown = read_until(fd, expected)
+    if expected == ">> ":
+        if "-168" in shown:
+            sys.exit(f"a statement ending in ';' printed its result:\n{shown}")
+    else:
+        read_until(fd, ">> ")
 os.write(fd, b"exit\n")
 _, status = os.waitpid(pid, 0)
 sys.exit(0 if os.WIFEXITED(status) and os.WEXITSTATUS(status) == 0 else f"exit status {status}")

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# A short session with the orvex tool over the sample library: calls, a warning, an
-# error, a boxed scalar function, a builtin that calls the language, calls made the way
-# compiled code makes them, a no-match report, an explanation, lint, a builtin that is not
-# safe for several language instances, and a script with an engine object and statistics.
+# A short session with the orvex tool over the sample library: its usage, calls, a
+# warning, an error, a boxed scalar function, a builtin that calls the language, calls
+# made the way compiled code makes them, no-match reports, an explanation, lint, a builtin
+# that is not safe for several language instances, and a script with operators, ranges,
+# indexing, an engine object and statistics.
 # Usage: demo-session.sh PATH_TO_ORVEX
 orvex=$1
 
@@ -13,6 +14,7 @@ say() {
   "$orvex" "$@" || printf '(exit code %d)\n' "$?"
 }
 
+say --help
 say list
 say call plus 1 2
 say call plus '[1 2; 3 4]' 10
@@ -36,6 +38,7 @@ say call plus '[1;2;3]' '[10 20]'
 say call minus '[1 2 3]' '[1 2]'
 say call sqrt 'single([4 -4])'
 say call plus 1
+say call upper 5
 say explain plus 'int32(1)' 'int32(2)'
 say explain describe true
 say show upper
@@ -43,10 +46,18 @@ say lint
 printf '\n$ BUILTIN2_LOG=builtinservice::MultiOVMReporting orvex call counter\n'
 BUILTIN2_LOG=builtinservice::MultiOVMReporting "$orvex" call counter 2>&1
 
-# A script in one process: an engine object of the lxebuffer module, its methods, its
-# indexing, its elements passed on to builtins, help, and how often each variant was
-# taken; the script stops at its first error and names the line.
-statements='b = lxebuffer.Buffer.create([1 2 3])
+# A script in one process: operators, a range and indexing, an engine object of the
+# lxebuffer module, its methods, its indexing, its elements passed on to builtins, help,
+# and how often each variant was taken; the script stops at its first error and names
+# the line.
+statements='x = 1 + 2*3
+-2^2
+y = -sqrt(x + 2) .* [1 -2]
+r = 1:2:9
+r(2:end-1)
+m = [1 2 3; 4 5 6];
+m(end, [3 1])
+b = lxebuffer.Buffer.create([1 2 3])
 b.append([4 5])
 n = b.size()
 b(2)

@@ -20,7 +20,8 @@ public:
                 &powerBuiltin(),    &absBuiltin(),      &sqrtBuiltin(),        &hypotBuiltin(),
                 &upperBuiltin(),    &strjoinBuiltin(),  &sizeBuiltin(),        &classBuiltin(),
                 &describeBuiltin(), &reciprocalBuiltin(), &checkedSqrtBuiltin(), &nchoosekBuiltin(),
-                &twiceBuiltin(),    &counterBuiltin()};
+                &twiceBuiltin(),    &counterBuiltin(),  &uminusBuiltin(),      &uplusBuiltin(),
+                &colonBuiltin()};
     }
 };
 

@@ -1,4 +1,4 @@
-// minus, times, rdivide, power, sqrt and hypot: element-wise builtins over every numeric
+// minus, times, rdivide, power, uminus, uplus, sqrt and hypot: element-wise builtins over every numeric
 // class, written once as templates over the element type. Integer classes saturate at
 // their limits and round to the nearest integer, half away from zero; sqrt warns on a
 // negative real input and gives NaN.
@@ -78,6 +78,20 @@ T powerOf(T a, T b) {
 }
 
 template <class T>
+T uminusOf(T a) {
+    if constexpr (std::is_integral_v<T>) {
+        return saturate<T>(-static_cast<long double>(a));
+    } else {
+        return -a;
+    }
+}
+
+template <class T>
+T uplusOf(T a) {
+    return a;
+}
+
+template <class T>
 T sqrtReal(CallContext& context, T x) {
     if (x < 0) {
         context.warning("Square root of a negative number.");
@@ -137,6 +151,18 @@ const BuiltinVariantLists& powerLists() {
     return lists;
 }
 
+const BuiltinVariantLists& uminusLists() {
+    static const BuiltinVariantLists lists(variantsFor(
+        ArithmeticTypes{}, [](auto* t) { return makeVariants<&uminusOf<Of<decltype(t)>>>("uminus", ELEMENT_WISE); }));
+    return lists;
+}
+
+const BuiltinVariantLists& uplusLists() {
+    static const BuiltinVariantLists lists(variantsFor(
+        ArithmeticTypes{}, [](auto* t) { return makeVariants<&uplusOf<Of<decltype(t)>>>("uplus", ELEMENT_WISE); }));
+    return lists;
+}
+
 const BuiltinVariantLists& sqrtLists() {
     static const BuiltinVariantLists lists{
         makeVariants<&sqrtReal<double>>("sqrt", ELEMENT_WISE),
@@ -185,6 +211,18 @@ const BuiltinFcn& rdivideBuiltin() {
 const BuiltinFcn& powerBuiltin() {
     static const RegisteredBuiltin builtin =
         elementWiseBuiltin<&powerBuiltin, &powerLists>("power", "raises to a power element by element");
+    return builtin;
+}
+
+const BuiltinFcn& uminusBuiltin() {
+    static const RegisteredBuiltin builtin =
+        elementWiseBuiltin<&uminusBuiltin, &uminusLists>("uminus", "negates an array element by element");
+    return builtin;
+}
+
+const BuiltinFcn& uplusBuiltin() {
+    static const RegisteredBuiltin builtin =
+        elementWiseBuiltin<&uplusBuiltin, &uplusLists>("uplus", "an array unchanged, as unary plus gives it");
     return builtin;
 }
 

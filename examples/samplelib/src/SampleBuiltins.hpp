@@ -23,6 +23,9 @@ const BuiltinFcn& minusBuiltin();
 const BuiltinFcn& timesBuiltin();
 const BuiltinFcn& rdivideBuiltin();
 const BuiltinFcn& powerBuiltin();
+const BuiltinFcn& uminusBuiltin();
+const BuiltinFcn& uplusBuiltin();
+const BuiltinFcn& colonBuiltin();
 const BuiltinFcn& sqrtBuiltin();
 const BuiltinFcn& hypotBuiltin();
 

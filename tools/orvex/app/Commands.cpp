@@ -104,8 +104,7 @@ int callBuiltin(const std::vector<LoadedBuiltin>& builtins, const std::string& n
     oxArray* result = nullptr;
     int status = 0;
     try {
-        builtin->invoke(1, &result, static_cast<int>(arguments.handles.size()), arguments.handles.data(),
-                        BuiltinFcn::NoLxe);
+        invokeBuiltin(*builtin, 1, &result, static_cast<int>(arguments.handles.size()), arguments.handles.data());
         out << "ans = " << formatArray(result) << '\n';
     } catch (const foundation::core::except::IdentifiedException& error) {
         out << "Error (" << error.getId().component << ':' << error.getId().key << "): " << error.message() << '\n';

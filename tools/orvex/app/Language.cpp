@@ -19,7 +19,7 @@ void callByName(std::string_view name, int nlhs, oxArray** plhs, int nrhs, oxArr
     if (builtin == nullptr) {
         throw std::invalid_argument("Unrecognized function '" + std::string(name) + "'.");
     }
-    builtin->invoke(nlhs, plhs, nrhs, prhs, Velloc::builtin::BuiltinFcn::NoLxe);
+    invokeBuiltin(*builtin, nlhs, plhs, nrhs, prhs);
 }
 
 } // namespace

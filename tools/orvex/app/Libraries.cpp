@@ -1,5 +1,6 @@
 #include "Libraries.hpp"
 
+#include <builtin/builtinreg/Explain.hpp>
 #include <builtin/services/IBuiltinLibrary.hpp>
 #include <builtin/services/findService.hpp>
 
@@ -40,6 +41,17 @@ const Velloc::builtin::BuiltinFcn* findBuiltin(const std::vector<LoadedBuiltin>&
     const auto found = std::lower_bound(builtins.begin(), builtins.end(), name,
                                         [](const LoadedBuiltin& b, std::string_view n) { return b.builtin->name < n; });
     return found != builtins.end() && found->builtin->name == name ? found->builtin : nullptr;
+}
+
+void invokeBuiltin(const Velloc::builtin::BuiltinFcn& builtin, int nlhs, oxArray** plhs, int nrhs, oxArray** prhs) {
+    namespace builtinreg = Velloc::builtin::builtinreg;
+    // Without a default implementation invoke has nothing to tell the user but that it
+    // has no implementation to run.
+    if (builtin.defaultVariant.functionDescriptor.getHostStyleEntry() == nullptr &&
+        builtinreg::explain(builtin, nlhs, nrhs, prhs).chosen == nullptr) {
+        builtinreg::throwNoMatchingVariant(builtin, nlhs, nrhs, prhs);
+    }
+    builtin.invoke(nlhs, plhs, nrhs, prhs, Velloc::builtin::BuiltinFcn::NoLxe);
 }
 
 } // namespace orvex

@@ -25,6 +25,11 @@ std::vector<LoadedBuiltin> loadBuiltins(const std::filesystem::path& directory);
 // when there is none.
 const Velloc::builtin::BuiltinFcn* findBuiltin(const std::vector<LoadedBuiltin>& builtins, std::string_view name);
 
+// Calls the builtin as the language does, without the engine. A call that no variant
+// takes and that no default implementation catches gets the report of every variant
+// and why it refused, as an identified error.
+void invokeBuiltin(const Velloc::builtin::BuiltinFcn& builtin, int nlhs, oxArray** plhs, int nrhs, oxArray** prhs);
+
 // The default directory of bundles: "modules" under the installation root.
 std::filesystem::path defaultBundleDirectory();
 

@@ -1,9 +1,12 @@
 #include "Session.hpp"
 
+#include "Commands.hpp"
+#include "StatementError.hpp"
 #include "Suggestions.hpp"
 
 #include <orvex/LiteralError.hpp>
 #include <orvex/formatArray.hpp>
+#include <orvex/indexArray.hpp>
 #include <orvex/parseLiteral.hpp>
 
 #include <builtin/builtinreg/Explain.hpp>
@@ -29,51 +32,15 @@ namespace orvex {
 namespace {
 
 using Velloc::builtin::BuiltinFcn;
+using Kind = Expression::Kind;
 
 // The prompt a statement is echoed after; carets are aligned for it.
 constexpr std::size_t PROMPT_WIDTH = 3;
-
-// An error that belongs to a place in the statement.
-class StatementError : public std::invalid_argument {
-public:
-    StatementError(std::size_t column, const std::string& message) : std::invalid_argument(message), column_(column) {}
-    std::size_t column() const noexcept { return column_; }
-
-private:
-    std::size_t column_;
-};
 
 bool isName(std::string_view text) {
     return !text.empty() && (std::isalpha(static_cast<unsigned char>(text[0])) || text[0] == '_') &&
            std::all_of(text.begin(), text.end(),
                        [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '.'; });
-}
-
-// Splits at commas that stand outside brackets, parentheses and quotes.
-std::vector<std::string_view> splitArguments(std::string_view text) {
-    std::vector<std::string_view> parts;
-    int depth = 0;
-    char quote = 0;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (quote != 0) {
-            quote = c == quote ? 0 : quote;
-        } else if (c == '\'' || c == '"') {
-            quote = c;
-        } else if (c == '[' || c == '(' || c == '{') {
-            ++depth;
-        } else if (c == ']' || c == ')' || c == '}') {
-            --depth;
-        } else if (c == ',' && depth == 0) {
-            parts.push_back(trimmed(text.substr(start, i - start)));
-            start = i + 1;
-        }
-    }
-    if (!trimmed(text).empty()) {
-        parts.push_back(trimmed(text.substr(start)));
-    }
-    return parts;
 }
 
 std::vector<oxArray*> handlesOf(const std::vector<matrix::ArrayPtr>& arrays) {
@@ -82,6 +49,24 @@ std::vector<oxArray*> handlesOf(const std::vector<matrix::ArrayPtr>& arrays) {
         handles.push_back(array.get());
     }
     return handles;
+}
+
+// The operators that multiply, divide and raise whole matrices, and the element-wise
+// builtins that agree with them on scalars.
+struct MatrixOperator {
+    std::string_view symbol;
+    std::string_view matrixBuiltin;
+    std::string_view elementBuiltin;
+    std::string_view elementSymbol;
+};
+constexpr MatrixOperator MATRIX_OPERATORS[] = {
+    {"*", "mtimes", "times", ".*"},
+    {"/", "mrdivide", "rdivide", "./"},
+    {"^", "mpower", "power", ".^"},
+};
+
+std::string_view elementWiseBuiltin(std::string_view symbol) {
+    return symbol == "+" ? "plus" : symbol == "-" ? "minus" : symbol == ".*" ? "times" : symbol == "./" ? "rdivide" : "power";
 }
 
 } // namespace
@@ -97,20 +82,23 @@ Session::Session(const std::vector<LoadedBuiltin>& builtins, std::ostream& out) 
 bool Session::run(std::string_view statement) {
     statement_ = statement;
     try {
-        if (statement.starts_with("help ")) {
-            help(trimmed(statement.substr(5)));
+        if (statement == "help" || statement.starts_with("help ")) {
+            help(trimmed(statement.substr(4)));
             return true;
         }
+        const bool quiet = statement.ends_with(';');
+        std::string_view expression = quiet ? trimmed(statement.substr(0, statement.size() - 1)) : statement;
         std::string target = "ans";
-        std::string_view expression = statement;
-        const std::size_t equals = statement.find('=');
-        if (equals != std::string_view::npos && isName(trimmed(statement.substr(0, equals)))) {
-            target = std::string(trimmed(statement.substr(0, equals)));
-            expression = trimmed(statement.substr(equals + 1));
+        const std::size_t equals = expression.find('=');
+        if (equals != std::string_view::npos && isName(trimmed(expression.substr(0, equals)))) {
+            target = std::string(trimmed(expression.substr(0, equals)));
+            expression = trimmed(expression.substr(equals + 1));
         }
-        matrix::ArrayPtr result = evaluate(expression);
+        matrix::ArrayPtr result = evaluate(parseExpression(expression, columnOf(expression)), nullptr);
         if (result) {
-            out_ << target << " = " << formatArray(result.get()) << '\n';
+            if (!quiet) {
+                out_ << target << " = " << formatArray(result.get()) << '\n';
+            }
             variables_[target] = std::move(result);
         }
         return true;
@@ -124,39 +112,150 @@ bool Session::run(std::string_view statement) {
     return false;
 }
 
-// A call of a builtin, a method or an object's indexing, whose arguments may be calls
-// too; anything else is a variable or a literal (casts such as int8(5) included).
-matrix::ArrayPtr Session::evaluate(std::string_view expression) {
-    const std::size_t open = expression.find('(');
-    if (open == std::string_view::npos || expression.back() != ')' || !isName(trimmed(expression.substr(0, open)))) {
-        return value(expression);
+matrix::ArrayPtr Session::evaluate(const Expression& expression, const IndexContext* context) {
+    switch (expression.kind) {
+    case Kind::REAL_NUMBER:
+    case Kind::IMAGINARY:
+    case Kind::LITERAL: return literal(expression.text, expression.column);
+    case Kind::NAME: return name(expression);
+    case Kind::CALL: return call(expression, context);
+    case Kind::UNARY:
+        return applyOperator(expression.text == "-" ? "uminus" : "uplus", expression,
+                             operands(expression.operands, context));
+    case Kind::BINARY: return binary(expression, context);
+    case Kind::RANGE: return applyOperator("colon", expression, operands(expression.operands, context));
+    case Kind::END:
+        if (context == nullptr) {
+            throw StatementError(expression.column, "'end' stands for the last index only inside an index of an array");
+        }
+        return matrix::ArrayPtr(
+            matrix::createScalar(static_cast<double>(endOf(context->array, context->position, context->count))));
+    case Kind::ALL: break;
     }
-    const std::string_view callee = trimmed(expression.substr(0, open));
-    const auto variable = variables_.find(callee);
-    const BuiltinFcn* builtin = findBuiltin(callee);
-    if (variable == variables_.end() && builtin == nullptr && callee.find('.') == std::string_view::npos) {
-        return value(expression);
+    throw StatementError(expression.column, "':' alone selects everything only as a subscript of an array");
+}
+
+// A value to pass on: a call that returns nothing has none.
+matrix::ArrayPtr Session::operand(const Expression& expression, const IndexContext* context) {
+    matrix::ArrayPtr value = evaluate(expression, context);
+    if (!value) {
+        throw StatementError(expression.column, "'" + std::string(expression.source) + "' returns no value");
     }
-    std::vector<matrix::ArrayPtr> arguments;
-    for (std::string_view text : splitArguments(expression.substr(open + 1, expression.size() - open - 2))) {
-        arguments.push_back(evaluate(text));
+    return value;
+}
+
+Session::Arrays Session::operands(const std::vector<Expression>& expressions, const IndexContext* context) {
+    Arrays values;
+    for (const Expression& expression : expressions) {
+        values.push_back(operand(expression, context));
     }
-    std::vector<oxArray*> handles = handlesOf(arguments);
-    if (variable != variables_.end()) {
+    return values;
+}
+
+matrix::ArrayPtr Session::literal(const std::string& text, std::size_t column) const {
+    try {
+        return parseLiteral(text);
+    } catch (const LiteralError& error) {
+        throw StatementError(column + error.column(), error.message());
+    }
+}
+
+// A variable, a builtin called without arguments, or a word of the literal language.
+matrix::ArrayPtr Session::name(const Expression& expression) {
+    if (const auto variable = variables_.find(expression.text); variable != variables_.end()) {
+        return matrix::ArrayPtr(matrix::addReference(variable->second.get()));
+    }
+    if (const BuiltinFcn* builtin = findBuiltin(expression.text)) {
+        return invoke(*builtin, {});
+    }
+    try {
+        return parseLiteral(expression.text);
+    } catch (const LiteralError&) {
+        unrecognized(expression.text, expression.column);
+    }
+}
+
+// An index of a variable, a builtin call, a method call, or a cast such as int8(5).
+matrix::ArrayPtr Session::call(const Expression& expression, const IndexContext* context) {
+    const std::string& callee = expression.text;
+    if (const auto variable = variables_.find(callee); variable != variables_.end()) {
+        return index(variable->second.get(), expression, context);
+    }
+    if (const BuiltinFcn* builtin = findBuiltin(callee)) {
+        return invoke(*builtin, operands(expression.operands, context));
+    }
+    if (callee.find('.') != std::string::npos) {
+        Arrays arguments = operands(expression.operands, context);
+        return callMethod(expression, arguments);
+    }
+    try {
+        return parseLiteral(expression.source);
+    } catch (const LiteralError& error) {
+        // Failing at its first character, the literal language does not know the name.
+        if (error.column() == 0) {
+            unrecognized(callee, expression.column);
+        }
+        throw StatementError(expression.column + error.column(), error.message());
+    }
+}
+
+// Arrays of elements are indexed here; engine objects index themselves.
+matrix::ArrayPtr Session::index(const oxArray* array, const Expression& expression, const IndexContext* context) {
+    if (!holdsElements(array)) {
+        Arrays arguments = operands(expression.operands, context);
+        std::vector<oxArray*> handles = handlesOf(arguments);
         return matrix::ArrayPtr(Velloc::lxe::parenReference(
-            variable->second.get(), {const_cast<const oxArray* const*>(handles.data()), handles.size()}));
+            array, {const_cast<const oxArray* const*>(handles.data()), handles.size()}));
     }
-    if (builtin != nullptr) {
-        oxArray* result = nullptr;
-        builtin->invoke(1, &result, static_cast<int>(handles.size()), handles.data(), BuiltinFcn::NoLxe);
-        return matrix::ArrayPtr(result);
+    const std::size_t count = expression.operands.size();
+    Arrays subscripts;
+    for (std::size_t position = 0; position < count; ++position) {
+        const Expression& subscript = expression.operands[position];
+        const IndexContext inner{array, position, count};
+        subscripts.push_back(subscript.kind == Kind::ALL ? nullptr : operand(subscript, &inner));
     }
-    return callMethod(std::string(callee), callee, arguments);
+    std::vector<const oxArray*> handles(subscripts.size());
+    std::transform(subscripts.begin(), subscripts.end(), handles.begin(),
+                   [](const matrix::ArrayPtr& subscript) { return subscript.get(); });
+    try {
+        return indexArray(array, handles);
+    } catch (const IndexError& error) {
+        throw StatementError(expression.column, error.what());
+    }
+}
+
+matrix::ArrayPtr Session::binary(const Expression& expression, const IndexContext* context) {
+    const auto matrixOperator = std::find_if(std::begin(MATRIX_OPERATORS), std::end(MATRIX_OPERATORS),
+                                             [&](const MatrixOperator& op) { return op.symbol == expression.text; });
+    if (matrixOperator == std::end(MATRIX_OPERATORS)) {
+        return applyOperator(elementWiseBuiltin(expression.text), expression, operands(expression.operands, context));
+    }
+    if (findBuiltin(matrixOperator->matrixBuiltin) != nullptr ||
+        findBuiltin(matrixOperator->elementBuiltin) == nullptr) {
+        return applyOperator(matrixOperator->matrixBuiltin, expression, operands(expression.operands, context));
+    }
+    Arrays arguments = operands(expression.operands, context);
+    if (!matrix::isScalar(arguments[0].get()) || !matrix::isScalar(arguments[1].get())) {
+        throw StatementError(expression.column,
+                             "'" + expression.text + "' takes scalars only: no loaded library provides '" +
+                                 std::string(matrixOperator->matrixBuiltin) + "' for arrays; '" +
+                                 std::string(matrixOperator->elementSymbol) + "' works element by element");
+    }
+    return applyOperator(matrixOperator->elementBuiltin, expression, std::move(arguments));
+}
+
+matrix::ArrayPtr Session::applyOperator(std::string_view builtinName, const Expression& expression, Arrays arguments) {
+    const BuiltinFcn* builtin = findBuiltin(builtinName);
+    if (builtin == nullptr) {
+        throw StatementError(expression.column, "Unrecognized function '" + std::string(builtinName) +
+                                                    "' for the operator '" + expression.text + "'.");
+    }
+    return invoke(*builtin, arguments);
 }
 
 // object.method(...) on a variable, or Class.method(...) for a static method.
-matrix::ArrayPtr Session::callMethod(const std::string& callee, std::string_view expression,
-                                     std::vector<matrix::ArrayPtr>& arguments) {
+matrix::ArrayPtr Session::callMethod(const Expression& expression, Arrays& arguments) {
+    const std::string& callee = expression.text;
     const std::size_t dot = callee.rfind('.');
     const std::string owner = callee.substr(0, dot);
     const std::string method = callee.substr(dot + 1);
@@ -168,7 +267,7 @@ matrix::ArrayPtr Session::callMethod(const std::string& callee, std::string_view
         cls = ocos::findClass(owner);
     }
     if (cls == nullptr) {
-        throw StatementError(columnOf(expression), "no variable or class named '" + owner + "'");
+        throw StatementError(expression.column, "no variable or class named '" + owner + "'");
     }
     std::vector<oxArray*> handles = handlesOf(arguments);
     oxArray* result = nullptr;
@@ -176,25 +275,11 @@ matrix::ArrayPtr Session::callMethod(const std::string& callee, std::string_view
     return matrix::ArrayPtr(result);
 }
 
-matrix::ArrayPtr Session::value(std::string_view text) {
-    if (const auto variable = variables_.find(text); variable != variables_.end()) {
-        return matrix::ArrayPtr(matrix::addReference(variable->second.get()));
-    }
-    try {
-        return parseLiteral(text);
-    } catch (const LiteralError& error) {
-        const std::size_t open = text.find('(');
-        const std::string_view name = trimmed(text.substr(0, open));
-        if (isName(name) && (open != std::string_view::npos || isName(text))) {
-            if (findBuiltin(name) == nullptr && variables_.find(name) == variables_.end()) {
-                unrecognized(name);
-            }
-            if (text.back() != ')') {
-                throw StatementError(columnOf(text) + text.size(), "missing closing parenthesis ')'");
-            }
-        }
-        throw StatementError(columnOf(text) + error.column(), error.message());
-    }
+matrix::ArrayPtr Session::invoke(const BuiltinFcn& builtin, const Arrays& arguments) const {
+    std::vector<oxArray*> handles = handlesOf(arguments);
+    oxArray* result = nullptr;
+    invokeBuiltin(builtin, 1, &result, static_cast<int>(handles.size()), handles.data());
+    return matrix::ArrayPtr(result);
 }
 
 const BuiltinFcn* Session::findBuiltin(std::string_view name) const {
@@ -202,9 +287,13 @@ const BuiltinFcn* Session::findBuiltin(std::string_view name) const {
 }
 
 void Session::help(std::string_view name) {
+    if (name.empty()) {
+        listBuiltins(builtins_, out_);
+        return;
+    }
     const BuiltinFcn* builtin = findBuiltin(name);
     if (builtin == nullptr) {
-        unrecognized(name);
+        unrecognized(name, columnOf(name));
     }
     if (!builtin->getHelpContent().empty()) {
         out_ << builtin->getHelpContent() << '\n';
@@ -216,7 +305,7 @@ void Session::help(std::string_view name) {
     }
 }
 
-void Session::unrecognized(std::string_view name) const {
+void Session::unrecognized(std::string_view name, std::size_t column) const {
     std::vector<std::string> known;
     for (const LoadedBuiltin& loaded : builtins_) {
         known.push_back(loaded.builtin->name);
@@ -229,7 +318,7 @@ void Session::unrecognized(std::string_view name) const {
     for (std::size_t i = 0; i < near.size(); ++i) {
         message += (i == 0 ? " Did you mean " : i + 1 == near.size() ? " or " : ", ") + ("'" + near[i] + "'");
     }
-    throw StatementError(columnOf(name), near.empty() ? message : message + "?");
+    throw StatementError(column, near.empty() ? message : message + "?");
 }
 
 // Where a part of the statement starts; parts are views into it.

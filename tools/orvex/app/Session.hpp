@@ -1,17 +1,28 @@
-// A session: statements evaluated one at a time, each a call whose result is printed and
-// kept under a name for later statements.
+// A session: statements evaluated one at a time, each an expression whose result is
+// printed and kept under a name for later statements.
 //
+//     x = 1 + 2*3                            operators call the builtins of their names
+//     y = sqrt(-x) .^ 2                      builtin call; arguments are expressions
+//     r = 1:2:9                              ranges
+//     r(end), r([1 3]), m(2, :)              indexing of arrays
 //     b = lxebuffer.Buffer.create([1 2 3])   static method of a class
 //     b.append([4 5])                        method of an object
 //     b(2)                                   indexing an object
-//     x = plus(b(4), 10)                     builtin call; arguments are literals or names
+//     z = x + 1;                             a ';' at the end keeps the result quiet
 //     help plus                              what a builtin does and the variants it has
+//     help                                   every builtin
+//
+// Each operator calls the builtin of its name in the loaded libraries: + plus, - minus,
+// .* times, ./ rdivide, .^ power, unary - uminus and + uplus, a:b and a:s:b colon; and
+// * mtimes, / mrdivide, ^ mpower. Where no library provides mtimes, mrdivide or mpower,
+// their operators take scalars and call times, rdivide or power, which agree on scalars.
 //
 // A statement that fails leaves the variables as they were. Errors that belong to a
 // place in the statement are reported with a caret under it, aligned for a statement
 // echoed after the three-character prompt ">> ".
 #pragma once
 
+#include "Expression.hpp"
 #include "Libraries.hpp"
 
 #include <matrix/oxArray.hpp>
@@ -32,13 +43,28 @@ public:
     bool run(std::string_view statement);
 
 private:
-    matrix::ArrayPtr evaluate(std::string_view expression);
-    matrix::ArrayPtr callMethod(const std::string& callee, std::string_view expression,
-                                std::vector<matrix::ArrayPtr>& arguments);
-    matrix::ArrayPtr value(std::string_view text);
+    // The array an 'end' inside an index stands in, and the subscript it is part of.
+    struct IndexContext {
+        const oxArray* array;
+        std::size_t position;
+        std::size_t count;
+    };
+    using Arrays = std::vector<matrix::ArrayPtr>;
+
+    matrix::ArrayPtr evaluate(const Expression& expression, const IndexContext* context);
+    matrix::ArrayPtr operand(const Expression& expression, const IndexContext* context);
+    Arrays operands(const std::vector<Expression>& expressions, const IndexContext* context);
+    matrix::ArrayPtr literal(const std::string& text, std::size_t column) const;
+    matrix::ArrayPtr name(const Expression& expression);
+    matrix::ArrayPtr call(const Expression& expression, const IndexContext* context);
+    matrix::ArrayPtr index(const oxArray* array, const Expression& expression, const IndexContext* context);
+    matrix::ArrayPtr binary(const Expression& expression, const IndexContext* context);
+    matrix::ArrayPtr applyOperator(std::string_view builtinName, const Expression& expression, Arrays arguments);
+    matrix::ArrayPtr callMethod(const Expression& expression, Arrays& arguments);
+    matrix::ArrayPtr invoke(const Velloc::builtin::BuiltinFcn& builtin, const Arrays& arguments) const;
     const Velloc::builtin::BuiltinFcn* findBuiltin(std::string_view name) const;
     void help(std::string_view name);
-    [[noreturn]] void unrecognized(std::string_view name) const;
+    [[noreturn]] void unrecognized(std::string_view name, std::size_t column) const;
     std::size_t columnOf(std::string_view part) const;
 
     const std::vector<LoadedBuiltin>& builtins_;

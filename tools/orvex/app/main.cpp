@@ -27,16 +27,31 @@ constexpr const char* USAGE =
     "usage: orvex [--bundles DIR] [--stats]          a session: interactive on a terminal, else a script\n"
     "       orvex [--bundles DIR] [--stats] FILE     the statements of FILE as a script\n"
     "         --stats: afterwards, how often each variant was taken\n"
-    "       orvex [--bundles DIR] list\n"
+    "       orvex [--bundles DIR] list               every builtin, its library and summary\n"
     "       orvex [--bundles DIR] dump [--json]       every builtin, its lists and variants\n"
     "       orvex [--bundles DIR] lint [--json] [LIBRARY...]  variants cleanup removed or found shadowed\n"
-    "       orvex [--bundles DIR] show NAME\n"
-    "       orvex [--bundles DIR] call NAME [ARG...]\n"
+    "       orvex [--bundles DIR] show NAME          the variants of a builtin, list by list\n"
+    "       orvex [--bundles DIR] call NAME [ARG...]  call a builtin and print its result\n"
     "       orvex [--bundles DIR] compiled NAME [ARG...]  call as compiled code does: scalars, no boxing\n"
-    "       orvex [--bundles DIR] explain NAME [ARG...]\n"
-    "ARG is a literal: 3, -2.5, [1 2; 3 4], int8(5), single(2), true, 3+4i, 'chars', \"string\"\n";
+    "       orvex [--bundles DIR] explain NAME [ARG...]  the variant a call reaches and why the others refuse\n"
+    "       orvex --help | -h | help                 this text\n"
+    "ARG is a literal: 3, -2.5, 1e3, Inf, 3+4i, [1 2; 3 4], [1 -2], int8(5), single(2), true,\n"
+    "  'chars', \"string\"\n"
+    "A session statement is an expression, maybe assigned: x = 1 + 2*3, y = -sqrt(x + 2),\n"
+    "  r = 1:2:9, r(end), m(2, :), b.append(4); operators call plus, minus, times, rdivide,\n"
+    "  power, uminus, uplus, colon, mtimes, mrdivide, mpower; a ';' at the end keeps the result\n"
+    "  quiet; 'help NAME' describes a builtin, 'help' lists them\n"
+    "environment:\n"
+    "  ORVEX_ROOT         the installation root; bundles are found under ORVEX_ROOT/modules\n"
+    "  BUILTIN2_LOG       log channels, comma-separated or '*', e.g. BUILTIN2_LOG=builtin2::dispatch\n"
+    "  FL_DIAG_TERMINATE  1 arms the checks that end the process on a broken promise, 0 disarms\n"
+    "                     them; orvex arms them when it is unset\n";
 
 int run(std::vector<std::string> args) {
+    if (args.size() == 1 && (args[0] == "--help" || args[0] == "-h" || args[0] == "help")) {
+        std::cout << USAGE;
+        return 0;
+    }
     std::filesystem::path bundles = orvex::defaultBundleDirectory();
     if (args.size() >= 2 && args[0] == "--bundles") {
         bundles = args[1];
