@@ -7,6 +7,7 @@
 #include "cppmicroservices/ServiceReferenceBase.h"
 
 #include <ostream>
+#include <stdexcept>
 
 namespace cppmicroservices {
 
@@ -26,6 +27,8 @@ public:
     }
 
 private:
+    // In a map with case-sensitive keys the key of exactly that case wins; without one, a
+    // single key differing only in case matches, and several are ambiguous.
     const Any* find(const std::string& name) const
     {
         if (exactCase_ || map_.GetType() == AnyMap::UNORDERED_MAP_CASEINSENSITIVE_KEYS) {
@@ -35,12 +38,24 @@ private:
             }
             return &position->second;
         }
+        const auto exact = map_.find(name);
+        if (exact != map_.end()) {
+            return &exact->second;
+        }
+        const std::string* foundKey = nullptr;
+        const Any* found = nullptr;
         for (const auto& [key, value] : map_) {
             if (detail::any_map_ciequal()(key, name)) {
-                return &value;
+                if (found != nullptr) {
+                    throw std::invalid_argument("the properties hold keys '" + *foundKey + "' and '" + key +
+                                                "' that differ only in case; filter attribute '" + name +
+                                                "' cannot choose between them");
+                }
+                foundKey = &key;
+                found = &value;
             }
         }
-        return nullptr;
+        return found;
     }
 
     const AnyMap& map_;

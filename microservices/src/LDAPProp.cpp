@@ -62,6 +62,11 @@ LDAPPropExpr LDAPProp::operator!() const
 
 LDAPPropExpr LDAPProp::compare(std::string_view op, std::string_view value) const
 {
+    // A comparison with nothing is a null expression, so optional criteria can be written
+    // unconditionally and drop out of && and ||.
+    if (value.empty()) {
+        return LDAPPropExpr();
+    }
     return LDAPPropExpr("(" + property_ + std::string(op) + detail::escapeFilterValue(value) + ")");
 }
 

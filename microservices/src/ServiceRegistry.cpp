@@ -83,7 +83,7 @@ std::shared_ptr<ServiceRecord> ServiceRegistry::add(const InterfaceMapConstPtr& 
         if (!object) {
             throw std::invalid_argument("the service object for interface " + name + " is null");
         }
-        interfaces.push_back(name);
+        interfaces.emplace_back(withoutGlobalScope(name));
     }
     const std::unique_lock lock(mutex_);
     const long id = nextId_;
@@ -162,9 +162,10 @@ void ServiceRegistry::withdrawAll(const std::vector<std::shared_ptr<ServiceRecor
     }
 }
 
-void ServiceRegistry::collect(const std::string& interfaceId, const FilterNode* filter, ReferenceSink sink,
+void ServiceRegistry::collect(std::string_view interfaceId, const FilterNode* filter, ReferenceSink sink,
                               void* state) const
 {
+    interfaceId = withoutGlobalScope(interfaceId);
     const std::shared_lock lock(mutex_);
     const RecordList* records = &all_;
     if (!interfaceId.empty()) {
@@ -176,8 +177,8 @@ void ServiceRegistry::collect(const std::string& interfaceId, const FilterNode* 
     }
     for (const auto& record : *records) {
         if (filter == nullptr || record->matchesInRegistry(*filter)) {
-            sink(state, ReferenceAccess::make(record, interfaceId.empty() ? record->interfaces().front()
-                                                                          : std::string_view(interfaceId)));
+            sink(state, ReferenceAccess::make(record, interfaceId.empty() ? std::string_view(record->interfaces().front())
+                                                                          : record->interfaceNamed(interfaceId)));
         }
     }
 }

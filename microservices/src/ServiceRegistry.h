@@ -9,6 +9,8 @@
 #include <memory>
 #include <shared_mutex>
 #include <string>
+#include <string_view>
+#include <functional>
 #include <unordered_map>
 #include <vector>
 
@@ -30,7 +32,8 @@ public:
 
     // Passes each registered service under interfaceId (every service when it is empty)
     // that matches the filter (every one when null) to sink, in lookup order.
-    void collect(const std::string& interfaceId, const FilterNode* filter, ReferenceSink sink, void* state) const;
+    // A leading "::" of interfaceId is ignored.
+    void collect(std::string_view interfaceId, const FilterNode* filter, ReferenceSink sink, void* state) const;
 
 private:
     using RecordList = std::vector<std::shared_ptr<ServiceRecord>>;
@@ -43,7 +46,12 @@ private:
 
     mutable std::shared_mutex mutex_;
     long nextId_ = 1;
-    std::unordered_map<std::string, RecordList> byInterface_;
+    // Looked up by string_view, so that a lookup builds no key string.
+    struct NameHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>()(name); }
+    };
+    std::unordered_map<std::string, RecordList, NameHash, std::equal_to<>> byInterface_;
     RecordList all_;
 };
 

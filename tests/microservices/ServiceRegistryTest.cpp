@@ -133,6 +133,20 @@ TEST_F(ServiceRegistryTest, OneRegistrationUnderSeveralInterfaces)
     EXPECT_EQ(ExtractInterface<Named>(map).get(), static_cast<Named*>(impl.get()));
 }
 
+TEST_F(ServiceRegistryTest, ALeadingGlobalScopeNamesTheSameInterface)
+{
+    const auto impl = std::make_shared<FixedCounter>(3);
+    auto registration = context_.RegisterService(
+        std::make_shared<const InterfaceMap>(InterfaceMap{{"::Counter", std::static_pointer_cast<Counter>(impl)}}));
+    for (const char* name : {"::Counter", "Counter"}) {
+        const auto reference = context_.GetServiceReference(name);
+        ASSERT_TRUE(reference) << name;
+        EXPECT_EQ(reference.GetInterfaceId(), "Counter") << name;
+        EXPECT_EQ(ExtractInterface(context_.GetService(reference), name), impl) << name;
+    }
+    EXPECT_THAT(values(), ElementsAre(3));
+}
+
 TEST_F(ServiceRegistryTest, UnregisterRemovesTheServiceOnce)
 {
     std::weak_ptr<FixedCounter> watched;
