@@ -44,6 +44,8 @@ public:
     const std::weak_ptr<BundlePrivate>& bundle() const { return bundle_; }
     const std::weak_ptr<ServiceRegistry>& registry() const { return registry_; }
     bool registered() const { return registered_.load(std::memory_order_acquire); }
+    // True for the one caller that begins unregistering the record.
+    bool claimUnregistering() { return !unregistering_.exchange(true, std::memory_order_acq_rel); }
 
     // Safe from any thread.
     int ranking() const;
@@ -67,6 +69,7 @@ private:
     const std::weak_ptr<BundlePrivate> bundle_;
     const std::weak_ptr<ServiceRegistry> registry_;
     std::atomic<bool> registered_{true};
+    std::atomic<bool> unregistering_{false};
 
     mutable std::mutex mutex_; // guards the members below for readers outside the registry
     InterfaceMapConstPtr services_;

@@ -2,6 +2,7 @@
 // lookup order (highest ranking, then lowest id) so that lookups only filter.
 #pragma once
 
+#include "EventListeners.h"
 #include "ServiceRecord.h"
 
 #include "cppmicroservices/BundleContext.h"
@@ -16,8 +17,11 @@
 
 namespace cppmicroservices::detail {
 
+// Tells its listeners of each registration, change of properties and unregistration.
 class ServiceRegistry : public std::enable_shared_from_this<ServiceRegistry> {
 public:
+    explicit ServiceRegistry(std::shared_ptr<const EventListeners> listeners) : listeners_(std::move(listeners)) {}
+
     // Throws std::invalid_argument for an empty map or a service.ranking that is not an
     // integer in the range of int.
     std::shared_ptr<ServiceRecord> add(const InterfaceMapConstPtr& services, const ServiceProperties& properties,
@@ -42,7 +46,13 @@ private:
                                 const ServiceProperties& properties, int& ranking) const;
     void index(const std::shared_ptr<ServiceRecord>& record);
     void unindex(const ServiceRecord& record);
-    void withdrawAll(const std::vector<std::shared_ptr<ServiceRecord>>& records);
+    // Unregisters those of the records no other caller is unregistering: tells the
+    // listeners first, then removes them.
+    void unregisterAll(const RecordList& records);
+    // Unregisters records this caller has claimed.
+    void unregisterClaimed(const RecordList& records);
+
+    const std::shared_ptr<const EventListeners> listeners_;
 
     mutable std::shared_mutex mutex_;
     long nextId_ = 1;
