@@ -3,6 +3,7 @@
 #include "FilterExpression.h"
 #include "ServiceRecord.h"
 
+#include "cppmicroservices/Bundle.h"
 #include "cppmicroservices/LDAPProp.h"
 #include "cppmicroservices/ServiceReferenceBase.h"
 
@@ -87,6 +88,11 @@ bool LDAPFilter::Match(const ServiceReferenceBase& reference) const
 {
     const auto record = detail::ReferenceAccess::record(reference);
     return root_ != nullptr && record != nullptr && record->matches(*root_);
+}
+
+bool LDAPFilter::Match(const Bundle& bundle) const
+{
+    return bundle && Match(bundle.GetHeaders());
 }
 
 bool LDAPFilter::Match(const AnyMap& dictionary) const

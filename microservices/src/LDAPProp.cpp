@@ -43,6 +43,16 @@ LDAPPropExpr operator||(const LDAPPropExpr& left, const LDAPPropExpr& right)
     return combine('|', left, right);
 }
 
+LDAPPropExpr& LDAPPropExpr::operator&=(const LDAPPropExpr& other)
+{
+    return *this = *this && other;
+}
+
+LDAPPropExpr& LDAPPropExpr::operator|=(const LDAPPropExpr& other)
+{
+    return *this = *this || other;
+}
+
 LDAPProp::LDAPProp(const std::string& property) : property_(property) {}
 
 LDAPPropExpr LDAPProp::IsPresent() const

@@ -226,6 +226,11 @@ TEST(LDAPProp, BuildsEscapedFilterText)
     EXPECT_EQ(std::string(null && LDAPProp("a") == 1), "(a=1)");
     EXPECT_EQ(std::string(LDAPProp("a") == 1 || null), "(a=1)");
     EXPECT_TRUE((!null).IsNull());
+    LDAPPropExpr built;
+    built &= LDAPProp("a") == 1;
+    built |= LDAPProp("b") == 2;
+    built &= LDAPProp("c") == "";
+    EXPECT_EQ(std::string(built), "(|(a=1)(b=2))");
     // Comparisons with nothing drop out, as optional criteria do.
     EXPECT_TRUE((LDAPProp("k") == "").IsNull());
     EXPECT_TRUE((LDAPProp("k") != std::string()).IsNull());

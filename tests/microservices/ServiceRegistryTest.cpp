@@ -16,6 +16,12 @@
 using namespace cppmicroservices;
 using testing::ElementsAre;
 
+class Declared {
+public:
+    virtual ~Declared() = default;
+};
+CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE(Declared, "org.builtin2.Declared/1.0")
+
 namespace {
 
 class Counter {
@@ -144,6 +150,14 @@ TEST_F(ServiceRegistryTest, ALeadingGlobalScopeNamesTheSameInterface)
         EXPECT_EQ(reference.GetInterfaceId(), "Counter") << name;
         EXPECT_EQ(ExtractInterface(context_.GetService(reference), name), impl) << name;
     }
+}
+
+TEST_F(ServiceRegistryTest, ADeclaredInterfaceIsRegisteredUnderItsDeclaredName)
+{
+    class Impl final : public Declared {};
+    auto registration = context_.RegisterService<Declared>(std::make_shared<Impl>());
+    EXPECT_TRUE(context_.GetServiceReference("org.builtin2.Declared/1.0"));
+    EXPECT_EQ(context_.GetServiceReference<Declared>().GetInterfaceId(), "org.builtin2.Declared/1.0");
 }
 
 TEST_F(ServiceRegistryTest, UnregisterRemovesTheServiceOnce)

@@ -15,6 +15,9 @@ public:
     explicit LDAPPropExpr(const std::string& expression);
 
     LDAPPropExpr operator!() const;
+    // this = this && / || other.
+    LDAPPropExpr& operator&=(const LDAPPropExpr& other);
+    LDAPPropExpr& operator|=(const LDAPPropExpr& other);
     operator std::string() const;
     bool IsNull() const;
 
