@@ -1,11 +1,14 @@
 // Finding one service among 100 of an interface by an LDAP filter, against the floor of a
-// hand-written scan over 100 property maps comparing one key.
+// hand-written scan over 100 property maps comparing one key; and fetching the service a
+// tracker follows, against a pointer published behind an acquire load.
 #include <cppmicroservices/BundleContext.h>
 #include <cppmicroservices/Framework.h>
 #include <cppmicroservices/FrameworkFactory.h>
+#include <cppmicroservices/ServiceTracker.h>
 
 #include <benchmark/benchmark.h>
 
+#include <atomic>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -72,5 +75,33 @@ void BM_RawServiceLookup(benchmark::State& state)
     }
 }
 BENCHMARK(BM_RawServiceLookup);
+
+// The call path's fetch of a tracked service while 100 are tracked.
+void BM_TrackerGetService(benchmark::State& state)
+{
+    auto framework = cppmicroservices::FrameworkFactory().NewFramework();
+    framework.Start();
+    auto context = framework.GetBundleContext();
+    for (int i = 0; i < SERVICES; ++i) {
+        context.RegisterService<BenchService>(std::make_shared<IndexedService>(i));
+    }
+    cppmicroservices::ServiceTracker<BenchService> tracker(context);
+    tracker.Open();
+    for (auto _ : state) {
+        const auto service = tracker.GetService();
+        benchmark::DoNotOptimize(service.get());
+    }
+}
+BENCHMARK(BM_TrackerGetService);
+
+void BM_RawAcquirePointerRead(benchmark::State& state)
+{
+    const IndexedService service(WANTED);
+    std::atomic<const BenchService*> published{&service};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(published.load(std::memory_order_acquire));
+    }
+}
+BENCHMARK(BM_RawAcquirePointerRead);
 
 } // namespace

@@ -27,6 +27,11 @@ std::string Any::ToStringNoExcept() const noexcept
     }
 }
 
+std::string Any::ToJSON() const
+{
+    return holder_ ? holder_->toJSON() : "null";
+}
+
 bool Any::operator==(const Any& other) const
 {
     if (!holder_ || !other.holder_) {
@@ -45,6 +50,27 @@ bool matchAnyValue(const ValueMatcher& matcher, const Any& value)
 std::string textOfAny(const Any& value)
 {
     return value.ToString();
+}
+
+std::string jsonOfAny(const Any& value)
+{
+    return value.ToJSON();
+}
+
+std::string jsonString(std::string_view text)
+{
+    static constexpr char HEX[] = "0123456789abcdef";
+    std::string json = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') {
+            json.append(1, '\\').append(1, c);
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            json.append("\\u00").append(1, HEX[(c >> 4) & 0xF]).append(1, HEX[c & 0xF]);
+        } else {
+            json += c;
+        }
+    }
+    return json + "\"";
 }
 
 } // namespace detail

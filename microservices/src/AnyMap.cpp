@@ -38,6 +38,8 @@ Iterator positionIn(Variant& map, Fn&& pick)
 
 } // namespace
 
+AnyMap::AnyMap() : map_(std::in_place_index<0>) {}
+AnyMap::AnyMap(std::initializer_list<value_type> entries) : map_(std::in_place_index<0>, entries) {}
 AnyMap::AnyMap(map_type type) : map_(emptyMap(type)) {}
 AnyMap::AnyMap(const ordered_any_map& map) : map_(std::in_place_index<0>, map) {}
 AnyMap::AnyMap(ordered_any_map&& map) : map_(std::in_place_index<0>, std::move(map)) {}
@@ -147,6 +149,15 @@ AnyMap::const_iterator AnyMap::find(const key_type& key) const
 AnyMap::size_type AnyMap::erase(const key_type& key)
 {
     return std::visit([&](auto& map) { return map.erase(key); }, map_);
+}
+
+Any AnyMap::AtCompoundKey(const key_type& key, Any defaultValue) const
+{
+    try {
+        return AtCompoundKey(key);
+    } catch (const std::out_of_range&) {
+        return defaultValue;
+    }
 }
 
 const Any& AnyMap::AtCompoundKey(const key_type& key) const

@@ -154,6 +154,27 @@ std::vector<Bundle> BundleContext::InstallBundles(const std::string& location) c
     return bundles;
 }
 
+ListenerToken BundleContext::AddServiceListener(const ServiceListener& listener, const std::string& filter)
+{
+    requireValid();
+    auto parsed = filter.empty() ? nullptr : std::make_shared<const detail::FilterNode>(detail::parseFilter(filter));
+    return ListenerToken(d_->core()->listeners().addServiceListener(d_.get(), listener, std::move(parsed)));
+}
+
+ListenerToken BundleContext::AddBundleListener(const BundleListener& listener)
+{
+    requireValid();
+    return ListenerToken(d_->core()->listeners().addBundleListener(d_.get(), listener));
+}
+
+void BundleContext::RemoveListener(ListenerToken token)
+{
+    requireValid();
+    if (token) {
+        d_->core()->listeners().remove(token.Id());
+    }
+}
+
 void BundleContext::collectReferences(const std::string& interfaceId, const std::string& filter,
                                       detail::ReferenceSink sink, void* state) const
 {

@@ -85,11 +85,15 @@ void BundlePrivate::closeContext()
     }
     if (closed) {
         closed->invalidate();
+        if (const auto core = core_.lock()) {
+            core->listeners().removeAllOf(closed.get());
+        }
     }
 }
 
 void BundlePrivate::start(CoreContext& core)
 {
+    const std::lock_guard lock(lifecycleMutex_);
     const Bundle::State current = state();
     if (current == Bundle::STATE_ACTIVE || current == Bundle::STATE_STARTING) {
         return;
@@ -103,6 +107,7 @@ void BundlePrivate::start(CoreContext& core)
     }
     setState(Bundle::STATE_STARTING);
     const auto context = openContext();
+    announce(core, BundleEvent::BUNDLE_STARTING);
     try {
         if (activator_ != nullptr) {
             activator_->Start(ContextAccess::make(context));
@@ -113,14 +118,17 @@ void BundlePrivate::start(CoreContext& core)
         throw std::runtime_error("bundle '" + symbolicName_ + "' failed to start: " + reason);
     }
     setState(Bundle::STATE_ACTIVE);
+    announce(core, BundleEvent::BUNDLE_STARTED);
 }
 
 void BundlePrivate::stop(CoreContext& core)
 {
+    const std::lock_guard lock(lifecycleMutex_);
     if (state() != Bundle::STATE_ACTIVE) {
         return;
     }
     setState(Bundle::STATE_STOPPING);
+    announce(core, BundleEvent::BUNDLE_STOPPING);
     std::exception_ptr failure;
     if (activator_ != nullptr) {
         try {
@@ -130,9 +138,15 @@ void BundlePrivate::stop(CoreContext& core)
         }
     }
     deactivate(core);
+    announce(core, BundleEvent::BUNDLE_STOPPED);
     if (failure) {
         throw std::runtime_error("bundle '" + symbolicName_ + "' failed to stop: " + describe(failure));
     }
+}
+
+void BundlePrivate::announce(CoreContext& core, BundleEvent::Type type)
+{
+    core.listeners().bundleChanged(BundleEvent(type, BundleAccess::make(shared_from_this())));
 }
 
 void BundlePrivate::createActivator()
@@ -153,8 +167,9 @@ void BundlePrivate::createActivator()
 
 void BundlePrivate::deactivate(CoreContext& core)
 {
-    closeContext();
+    // The bundle's own listeners still hear its services go; then they go with the context.
     core.registry().removeAllOf(shared_from_this());
+    closeContext();
     if (activator_ != nullptr) {
         destroyActivator_(activator_);
         activator_ = nullptr;

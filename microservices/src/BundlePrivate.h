@@ -7,6 +7,7 @@
 
 #include "cppmicroservices/Bundle.h"
 #include "cppmicroservices/BundleActivator.h"
+#include "cppmicroservices/BundleEvent.h"
 
 #include <atomic>
 #include <memory>
@@ -40,7 +41,9 @@ public:
     std::shared_ptr<BundleContextPrivate> openContext();
     void closeContext();
 
-    // Lifecycle of an installed bundle; the caller holds the framework's lifecycle lock.
+    // Lifecycle of an installed bundle, serialised per bundle: a second thread starting the
+    // same bundle waits and then finds it active. The activator runs under this bundle's
+    // lock only, so it may use the registry and start or stop other bundles.
     void start(CoreContext& core);
     void stop(CoreContext& core);
 
@@ -51,6 +54,7 @@ private:
     void createActivator();
     // Invalidates the context, unregisters the bundle's services, destroys the activator.
     void deactivate(CoreContext& core);
+    void announce(CoreContext& core, BundleEvent::Type type);
 
     const long id_;
     const std::string location_;
@@ -59,6 +63,8 @@ private:
     const bool hasActivator_;
     const std::weak_ptr<CoreContext> core_;
     std::atomic<Bundle::State> state_;
+    // Recursive: an activator may start or stop its own bundle, which then does nothing.
+    std::recursive_mutex lifecycleMutex_;
 
     mutable std::mutex contextMutex_;
     std::shared_ptr<BundleContextPrivate> context_;

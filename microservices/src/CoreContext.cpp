@@ -35,7 +35,7 @@ bool CoreContext::running() const
 
 void CoreContext::initFramework()
 {
-    const std::lock_guard lock(lifecycleMutex_);
+    const std::lock_guard lock(frameworkMutex_);
     if (running()) {
         return;
     }
@@ -45,7 +45,7 @@ void CoreContext::initFramework()
 
 void CoreContext::startFramework()
 {
-    const std::lock_guard lock(lifecycleMutex_);
+    const std::lock_guard lock(frameworkMutex_);
     initFramework();
     systemBundle_->setState(Bundle::STATE_ACTIVE);
 }
@@ -53,7 +53,7 @@ void CoreContext::startFramework()
 void CoreContext::stopFramework()
 {
     {
-        const std::lock_guard lock(lifecycleMutex_);
+        const std::lock_guard lock(frameworkMutex_);
         if (!running()) {
             return;
         }
@@ -69,8 +69,8 @@ void CoreContext::stopFramework()
                 }
             }
         }
-        systemBundle_->closeContext();
         registry_->removeAll();
+        systemBundle_->closeContext();
         const std::lock_guard stopLock(stopMutex_);
         systemBundle_->setState(Bundle::STATE_RESOLVED);
     }
@@ -94,19 +94,16 @@ FrameworkEvent CoreContext::waitForStop(std::chrono::milliseconds timeout)
 
 void CoreContext::startBundle(BundlePrivate& bundle)
 {
-    const std::lock_guard lock(lifecycleMutex_);
     bundle.start(*this);
 }
 
 void CoreContext::stopBundle(BundlePrivate& bundle)
 {
-    const std::lock_guard lock(lifecycleMutex_);
     bundle.stop(*this);
 }
 
-std::vector<std::shared_ptr<BundlePrivate>> CoreContext::installBundles(const std::string& location)
+CoreContext::Installed CoreContext::addBundles(const std::string& location)
 {
-    const std::lock_guard lifecycleLock(lifecycleMutex_);
     std::vector<BundleManifest> manifests;
     for (const auto& directory : bundleDirectoriesAt(location)) {
         manifests.push_back(readBundleManifest(directory));
@@ -132,12 +129,23 @@ std::vector<std::shared_ptr<BundlePrivate>> CoreContext::installBundles(const st
         }
         newNames.push_back(manifest.symbolicName);
     }
+    std::vector<std::shared_ptr<BundlePrivate>> installed;
     for (std::size_t i = 0; i < manifests.size(); ++i) {
         if (!result[i]) {
             result[i] = std::make_shared<BundlePrivate>(static_cast<long>(bundles_.size()), std::move(manifests[i]),
                                                         weak_from_this());
             bundles_.push_back(result[i]);
+            installed.push_back(result[i]);
         }
+    }
+    return {result, installed};
+}
+
+std::vector<std::shared_ptr<BundlePrivate>> CoreContext::installBundles(const std::string& location)
+{
+    auto [result, installed] = addBundles(location);
+    for (const auto& bundle : installed) {
+        listeners_->bundleChanged(BundleEvent(BundleEvent::BUNDLE_INSTALLED, BundleAccess::make(bundle)));
     }
     return result;
 }

@@ -25,6 +25,7 @@ public:
 
     const std::shared_ptr<BundlePrivate>& systemBundle() const { return systemBundle_; }
     ServiceRegistry& registry() { return *registry_; }
+    EventListeners& listeners() { return *listeners_; }
     const FrameworkConfiguration& configuration() const { return configuration_; }
     std::weak_ptr<FrameworkOwner> owner() const;
     void setOwner(std::weak_ptr<FrameworkOwner> owner);
@@ -47,9 +48,16 @@ public:
 private:
     explicit CoreContext(FrameworkConfiguration configuration);
 
-    // Serialises installs and every start and stop; recursive because activators may
-    // install, start or stop other bundles.
-    std::recursive_mutex lifecycleMutex_;
+    // The bundles at a location, and those of them that are new.
+    struct Installed {
+        std::vector<std::shared_ptr<BundlePrivate>> atLocation;
+        std::vector<std::shared_ptr<BundlePrivate>> added;
+    };
+    Installed addBundles(const std::string& location);
+
+    // Serialises starting and stopping the framework itself; each bundle serialises its
+    // own start and stop, so that activators run under no lock of the framework.
+    std::recursive_mutex frameworkMutex_;
 
     mutable std::mutex bundlesMutex_;
     std::vector<std::shared_ptr<BundlePrivate>> bundles_; // index = bundle id; 0 the system bundle
@@ -58,7 +66,8 @@ private:
     std::condition_variable stopped_;
 
     std::shared_ptr<BundlePrivate> systemBundle_;
-    std::shared_ptr<ServiceRegistry> registry_ = std::make_shared<ServiceRegistry>();
+    std::shared_ptr<EventListeners> listeners_ = std::make_shared<EventListeners>();
+    std::shared_ptr<ServiceRegistry> registry_ = std::make_shared<ServiceRegistry>(listeners_);
     const FrameworkConfiguration configuration_;
     std::weak_ptr<FrameworkOwner> owner_;
 };

@@ -3,10 +3,12 @@
 #include "FilterExpression.h"
 #include "ServiceRecord.h"
 
+#include "cppmicroservices/Bundle.h"
 #include "cppmicroservices/LDAPProp.h"
 #include "cppmicroservices/ServiceReferenceBase.h"
 
 #include <ostream>
+#include <stdexcept>
 
 namespace cppmicroservices {
 
@@ -26,6 +28,8 @@ public:
     }
 
 private:
+    // In a map with case-sensitive keys the key of exactly that case wins; without one, a
+    // single key differing only in case matches, and several are ambiguous.
     const Any* find(const std::string& name) const
     {
         if (exactCase_ || map_.GetType() == AnyMap::UNORDERED_MAP_CASEINSENSITIVE_KEYS) {
@@ -35,12 +39,24 @@ private:
             }
             return &position->second;
         }
+        const auto exact = map_.find(name);
+        if (exact != map_.end()) {
+            return &exact->second;
+        }
+        const std::string* foundKey = nullptr;
+        const Any* found = nullptr;
         for (const auto& [key, value] : map_) {
             if (detail::any_map_ciequal()(key, name)) {
-                return &value;
+                if (found != nullptr) {
+                    throw std::invalid_argument("the properties hold keys '" + *foundKey + "' and '" + key +
+                                                "' that differ only in case; filter attribute '" + name +
+                                                "' cannot choose between them");
+                }
+                foundKey = &key;
+                found = &value;
             }
         }
-        return nullptr;
+        return found;
     }
 
     const AnyMap& map_;
@@ -72,6 +88,11 @@ bool LDAPFilter::Match(const ServiceReferenceBase& reference) const
 {
     const auto record = detail::ReferenceAccess::record(reference);
     return root_ != nullptr && record != nullptr && record->matches(*root_);
+}
+
+bool LDAPFilter::Match(const Bundle& bundle) const
+{
+    return bundle && Match(bundle.GetHeaders());
 }
 
 bool LDAPFilter::Match(const AnyMap& dictionary) const

@@ -43,6 +43,16 @@ LDAPPropExpr operator||(const LDAPPropExpr& left, const LDAPPropExpr& right)
     return combine('|', left, right);
 }
 
+LDAPPropExpr& LDAPPropExpr::operator&=(const LDAPPropExpr& other)
+{
+    return *this = *this && other;
+}
+
+LDAPPropExpr& LDAPPropExpr::operator|=(const LDAPPropExpr& other)
+{
+    return *this = *this || other;
+}
+
 LDAPProp::LDAPProp(const std::string& property) : property_(property) {}
 
 LDAPPropExpr LDAPProp::IsPresent() const
@@ -62,6 +72,11 @@ LDAPPropExpr LDAPProp::operator!() const
 
 LDAPPropExpr LDAPProp::compare(std::string_view op, std::string_view value) const
 {
+    // A comparison with nothing is a null expression, so optional criteria can be written
+    // unconditionally and drop out of && and ||.
+    if (value.empty()) {
+        return LDAPPropExpr();
+    }
     return LDAPPropExpr("(" + property_ + std::string(op) + detail::escapeFilterValue(value) + ")");
 }
 

@@ -8,8 +8,9 @@ namespace detail {
 
 std::shared_ptr<void> interfaceIn(const InterfaceMap& map, std::string_view interfaceId)
 {
+    interfaceId = withoutGlobalScope(interfaceId);
     for (const auto& [name, object] : map) {
-        if (name == interfaceId) {
+        if (withoutGlobalScope(name) == interfaceId) {
             return object;
         }
     }

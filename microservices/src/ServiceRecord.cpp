@@ -15,6 +15,17 @@ ServiceRecord::ServiceRecord(long id, InterfaceMapConstPtr services, std::vector
 {
 }
 
+std::string_view ServiceRecord::interfaceNamed(std::string_view interfaceId) const
+{
+    interfaceId = withoutGlobalScope(interfaceId);
+    for (const std::string& name : interfaces_) {
+        if (name == interfaceId) {
+            return name;
+        }
+    }
+    return {};
+}
+
 int ServiceRecord::ranking() const
 {
     const std::lock_guard lock(mutex_);

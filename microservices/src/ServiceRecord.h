@@ -19,6 +19,13 @@ namespace cppmicroservices::detail {
 class BundlePrivate;
 class ServiceRegistry;
 
+// An interface name without the "::" that names a class of the global namespace, so that
+// "::IFoo" and "IFoo" are the same interface when registering and when looking up.
+inline std::string_view withoutGlobalScope(std::string_view interfaceId)
+{
+    return interfaceId.starts_with("::") ? interfaceId.substr(2) : interfaceId;
+}
+
 // The object registered under interfaceId, without building a key string; null when absent.
 std::shared_ptr<void> interfaceIn(const InterfaceMap& map, std::string_view interfaceId);
 
@@ -31,9 +38,14 @@ public:
 
     long id() const { return id_; }
     const std::vector<std::string>& interfaces() const { return interfaces_; }
+    // The record's own copy of that interface name (a leading "::" ignored), which lives as
+    // long as the record; empty when the record has no such interface.
+    std::string_view interfaceNamed(std::string_view interfaceId) const;
     const std::weak_ptr<BundlePrivate>& bundle() const { return bundle_; }
     const std::weak_ptr<ServiceRegistry>& registry() const { return registry_; }
     bool registered() const { return registered_.load(std::memory_order_acquire); }
+    // True for the one caller that begins unregistering the record.
+    bool claimUnregistering() { return !unregistering_.exchange(true, std::memory_order_acq_rel); }
 
     // Safe from any thread.
     int ranking() const;
@@ -57,6 +69,7 @@ private:
     const std::weak_ptr<BundlePrivate> bundle_;
     const std::weak_ptr<ServiceRegistry> registry_;
     std::atomic<bool> registered_{true};
+    std::atomic<bool> unregistering_{false};
 
     mutable std::mutex mutex_; // guards the members below for readers outside the registry
     InterfaceMapConstPtr services_;

@@ -3,8 +3,6 @@
 #include "BundlePrivate.h"
 #include "ServiceRecord.h"
 
-#include <algorithm>
-
 namespace cppmicroservices {
 
 ServiceReferenceBase::ServiceReferenceBase(std::shared_ptr<detail::ServiceRecord> record, std::string_view interfaceId)
@@ -51,8 +49,7 @@ bool ServiceReferenceBase::IsConvertibleTo(const std::string& interfaceId) const
     if (!record_) {
         return false;
     }
-    const auto& interfaces = record_->interfaces();
-    return std::find(interfaces.begin(), interfaces.end(), interfaceId) != interfaces.end();
+    return !record_->interfaceNamed(interfaceId).empty();
 }
 
 bool ServiceReferenceBase::operator<(const ServiceReferenceBase& other) const
@@ -83,14 +80,10 @@ void ServiceReferenceBase::selectInterface(const std::string& interfaceId)
     if (!record_ || interfaceId_ == interfaceId) {
         return;
     }
-    for (const std::string& name : record_->interfaces()) {
-        if (name == interfaceId) {
-            interfaceId_ = name;
-            return;
-        }
+    interfaceId_ = record_->interfaceNamed(interfaceId);
+    if (interfaceId_.empty()) {
+        record_.reset();
     }
-    record_.reset();
-    interfaceId_ = {};
 }
 
 } // namespace cppmicroservices

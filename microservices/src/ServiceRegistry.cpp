@@ -3,6 +3,7 @@
 #include "cppmicroservices/Constants.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <mutex>
 #include <stdexcept>
@@ -83,78 +84,109 @@ std::shared_ptr<ServiceRecord> ServiceRegistry::add(const InterfaceMapConstPtr& 
         if (!object) {
             throw std::invalid_argument("the service object for interface " + name + " is null");
         }
-        interfaces.push_back(name);
+        interfaces.emplace_back(withoutGlobalScope(name));
     }
-    const std::unique_lock lock(mutex_);
-    const long id = nextId_;
-    int ranking = 0;
-    PropertyTable table = propertyTable(id, interfaces, properties, ranking);
-    auto record = std::make_shared<ServiceRecord>(id, services, std::move(interfaces), std::move(table), ranking,
-                                                  owner, weak_from_this());
-    ++nextId_;
-    index(record);
+    std::shared_ptr<ServiceRecord> record;
+    {
+        const std::unique_lock lock(mutex_);
+        const long id = nextId_;
+        int ranking = 0;
+        PropertyTable table = propertyTable(id, interfaces, properties, ranking);
+        record = std::make_shared<ServiceRecord>(id, services, std::move(interfaces), std::move(table), ranking,
+                                                 owner, weak_from_this());
+        ++nextId_;
+        index(record);
+    }
+    listeners_->serviceChanged(ServiceEvent::SERVICE_REGISTERED, record);
     return record;
 }
 
 void ServiceRegistry::remove(ServiceRecord& record)
 {
-    InterfaceMapConstPtr released; // destroyed after the lock is dropped
+    std::shared_ptr<ServiceRecord> shared;
     {
-        const std::unique_lock lock(mutex_);
-        if (!record.registered()) {
-            throw std::logic_error(ALREADY_UNREGISTERED);
+        const std::shared_lock lock(mutex_);
+        const auto position =
+            std::find_if(all_.begin(), all_.end(), [&record](const auto& entry) { return entry.get() == &record; });
+        if (position != all_.end()) {
+            shared = *position;
         }
-        unindex(record);
-        released = record.withdraw();
     }
+    if (!shared || !shared->claimUnregistering()) {
+        throw std::logic_error(ALREADY_UNREGISTERED);
+    }
+    unregisterClaimed({shared});
 }
 
 void ServiceRegistry::setProperties(ServiceRecord& record, const ServiceProperties& properties)
 {
-    const std::unique_lock lock(mutex_);
-    const auto position =
-        std::find_if(all_.begin(), all_.end(), [&record](const auto& entry) { return entry.get() == &record; });
-    if (position == all_.end()) {
-        throw std::logic_error(ALREADY_UNREGISTERED);
+    const auto listeners = listeners_->serviceListeners();
+    std::vector<bool> matchedBefore;
+    for (const auto& listener : listeners) {
+        matchedBefore.push_back(acceptsRecord(*listener, record));
     }
-    const std::shared_ptr<ServiceRecord> shared = *position;
-    int ranking = 0;
-    PropertyTable table = propertyTable(record.id(), record.interfaces(), properties, ranking);
-    unindex(record);
-    record.replaceProperties(std::move(table), ranking);
-    index(shared);
+    std::shared_ptr<ServiceRecord> shared;
+    {
+        const std::unique_lock lock(mutex_);
+        const auto position =
+            std::find_if(all_.begin(), all_.end(), [&record](const auto& entry) { return entry.get() == &record; });
+        if (position == all_.end()) {
+            throw std::logic_error(ALREADY_UNREGISTERED);
+        }
+        shared = *position;
+        int ranking = 0;
+        PropertyTable table = propertyTable(record.id(), record.interfaces(), properties, ranking);
+        unindex(record);
+        record.replaceProperties(std::move(table), ranking);
+        index(shared);
+    }
+    listeners_->serviceModified(listeners, matchedBefore, shared);
 }
 
 void ServiceRegistry::removeAllOf(const std::shared_ptr<BundlePrivate>& owner)
 {
-    std::vector<std::shared_ptr<ServiceRecord>> removed;
+    RecordList owned;
     {
-        const std::unique_lock lock(mutex_);
+        const std::shared_lock lock(mutex_);
         for (const auto& record : all_) {
             if (!record->bundle().owner_before(owner) && !owner.owner_before(record->bundle())) {
-                removed.push_back(record);
+                owned.push_back(record);
             }
         }
-        for (const auto& record : removed) {
-            unindex(*record);
-        }
     }
-    withdrawAll(removed);
+    unregisterAll(owned);
 }
 
 void ServiceRegistry::removeAll()
 {
-    std::vector<std::shared_ptr<ServiceRecord>> removed;
+    RecordList all;
     {
-        const std::unique_lock lock(mutex_);
-        removed.swap(all_);
-        byInterface_.clear();
+        const std::shared_lock lock(mutex_);
+        all = all_;
     }
-    withdrawAll(removed);
+    unregisterAll(all);
 }
 
-void ServiceRegistry::withdrawAll(const std::vector<std::shared_ptr<ServiceRecord>>& records)
+void ServiceRegistry::unregisterAll(const RecordList& records)
 {
+    RecordList claimed;
+    std::copy_if(records.begin(), records.end(), std::back_inserter(claimed),
+                 [](const auto& record) { return record->claimUnregistering(); });
+    unregisterClaimed(claimed);
+}
+
+void ServiceRegistry::unregisterClaimed(const RecordList& records)
+{
+    // Listeners may still use the services while they hear of their going.
+    for (const auto& record : records) {
+        listeners_->serviceChanged(ServiceEvent::SERVICE_UNREGISTERING, record);
+    }
+    {
+        const std::unique_lock lock(mutex_);
+        for (const auto& record : records) {
+            unindex(*record);
+        }
+    }
     // Service objects are released here, outside the lock: their destructors may call
     // back into the registry.
     for (const auto& record : records) {
@@ -162,9 +194,10 @@ void ServiceRegistry::withdrawAll(const std::vector<std::shared_ptr<ServiceRecor
     }
 }
 
-void ServiceRegistry::collect(const std::string& interfaceId, const FilterNode* filter, ReferenceSink sink,
+void ServiceRegistry::collect(std::string_view interfaceId, const FilterNode* filter, ReferenceSink sink,
                               void* state) const
 {
+    interfaceId = withoutGlobalScope(interfaceId);
     const std::shared_lock lock(mutex_);
     const RecordList* records = &all_;
     if (!interfaceId.empty()) {
@@ -176,8 +209,8 @@ void ServiceRegistry::collect(const std::string& interfaceId, const FilterNode* 
     }
     for (const auto& record : *records) {
         if (filter == nullptr || record->matchesInRegistry(*filter)) {
-            sink(state, ReferenceAccess::make(record, interfaceId.empty() ? record->interfaces().front()
-                                                                          : std::string_view(interfaceId)));
+            sink(state, ReferenceAccess::make(record, interfaceId.empty() ? std::string_view(record->interfaces().front())
+                                                                          : record->interfaceNamed(interfaceId)));
         }
     }
 }

@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <list>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -158,4 +160,38 @@ TEST(AnyMap, CompoundKeysWalkNestedMapsAndLists)
     EXPECT_THAT(failure("inner.missing"), HasSubstr("'inner.missing'"));
     EXPECT_THAT(failure("inner.names.2"), HasSubstr("'inner.names.2'"));
     EXPECT_THAT(failure("flat.deeper"), HasSubstr("neither a map nor a list"));
+}
+
+TEST(AnyMap, DefaultAndListConstructionAndCompoundKeysWithADefault)
+{
+    const AnyMap empty;
+    EXPECT_EQ(empty.GetType(), AnyMap::ORDERED_MAP);
+    EXPECT_TRUE(empty.empty());
+    const AnyMap nested{{"b", 2}, {"a", AnyMap{{"list", std::vector<Any>{Any(7)}}}}};
+    EXPECT_EQ(nested.begin()->first, "a");
+    EXPECT_EQ(any_cast<int>(nested.AtCompoundKey("a.list.0", Any(0))), 7);
+    EXPECT_EQ(any_cast<int>(nested.AtCompoundKey("a.list.1", Any(-1))), -1);
+    EXPECT_EQ(any_cast<int>(nested.AtCompoundKey("b.c", Any(-2))), -2);
+    EXPECT_TRUE(nested.AtCompoundKey("missing", Any()).Empty());
+}
+
+TEST(Any, JsonFormsAndUncheckedCasts)
+{
+    const AnyMap map{{"name", std::string("a \"quoted\"\n\\")},
+                     {"numbers", std::vector<Any>{Any(1), Any(2.5), Any(true), Any()}},
+                     {"nan", std::numeric_limits<double>::quiet_NaN()},
+                     {"opaque", std::string(1, '\x01')}};
+    EXPECT_EQ(Any(map).ToJSON(),
+              R"({"name":"a \"quoted\"\u000a\\","nan":null,"numbers":[1,2.5,true,null],"opaque":"\u0001"})");
+    EXPECT_EQ(Any().ToJSON(), "null");
+    std::ostringstream out;
+    cppmicroservices::any_value_to_json(out, std::vector<int>{1, 2});
+    cppmicroservices::any_value_to_string(out << " ", std::vector<int>{1, 2});
+    EXPECT_EQ(out.str(), "[1,2] [1,2]");
+
+    Any held = 42;
+    EXPECT_EQ(*cppmicroservices::unsafe_any_cast<int>(&held), 42);
+    EXPECT_EQ(cppmicroservices::unsafe_any_cast<int>(static_cast<const Any*>(nullptr)), nullptr);
+    const Any none;
+    EXPECT_EQ(cppmicroservices::unsafe_any_cast<int>(&none), nullptr);
 }

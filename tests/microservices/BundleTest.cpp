@@ -5,6 +5,7 @@
 #include <cppmicroservices/BundleContext.h>
 #include <cppmicroservices/Framework.h>
 #include <cppmicroservices/FrameworkFactory.h>
+#include <cppmicroservices/LDAPFilter.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -108,6 +109,9 @@ TEST_F(BundleTest, HeadersHoldTheBundleKeysAndTheOtherTopLevelKeys)
     EXPECT_EQ(objects.GetType(), AnyMap::ORDERED_MAP);
     EXPECT_EQ(any_cast<std::string>(headers.AtCompoundKey("lxe_objects.N4demo5PointE.oxClassName")), "demo.Point");
     EXPECT_EQ(any_cast<int>(headers.AtCompoundKey("lxe_objects.N4demo5PointE.variantId")), 2);
+    EXPECT_TRUE(LDAPFilter("(&(symbolic_name=greeter_a)(version>=3))").Match(installOne("greeter_a")));
+    EXPECT_FALSE(LDAPFilter("(symbolic_name=greeter_b)").Match(installOne("greeter_a")));
+    EXPECT_FALSE(LDAPFilter("(symbolic_name=*)").Match(Bundle()));
 }
 
 TEST_F(BundleTest, ADirectoryOfBundlesInstallsEachOnceInNameOrder)

@@ -94,6 +94,26 @@ TEST(LDAPFilterMatch, AttributeNamesIgnoreCaseExceptUnderMatchCase)
     }
 }
 
+TEST(LDAPFilterMatch, KeysDifferingOnlyInCaseChooseTheExactCaseOrRefuse)
+{
+    for (const auto kind : {AnyMap::ORDERED_MAP, AnyMap::UNORDERED_MAP}) {
+        AnyMap map(kind);
+        map["hosed"] = 1;
+        map["HOSED"] = 2;
+        EXPECT_TRUE(LDAPFilter("(hosed=1)").Match(map)) << kind;
+        EXPECT_TRUE(LDAPFilter("(HOSED=2)").Match(map)) << kind;
+        EXPECT_FALSE(LDAPFilter("(HOSED=1)").Match(map)) << kind;
+        try {
+            LDAPFilter("(Hosed=1)").Match(map);
+            ADD_FAILURE() << "an ambiguous attribute matched in map kind " << kind;
+        } catch (const std::invalid_argument& error) {
+            EXPECT_THAT(error.what(), HasSubstr("differ only in case")) << kind;
+        }
+        map.erase("HOSED");
+        EXPECT_TRUE(LDAPFilter("(Hosed=1)").Match(map)) << kind;
+    }
+}
+
 TEST(LDAPFilterMatch, SubstringsAndPresence)
 {
     const AnyMap map = properties({{"path", std::string("bin/lnxv64/builtinservices")},
@@ -206,6 +226,16 @@ TEST(LDAPProp, BuildsEscapedFilterText)
     EXPECT_EQ(std::string(null && LDAPProp("a") == 1), "(a=1)");
     EXPECT_EQ(std::string(LDAPProp("a") == 1 || null), "(a=1)");
     EXPECT_TRUE((!null).IsNull());
+    LDAPPropExpr built;
+    built &= LDAPProp("a") == 1;
+    built |= LDAPProp("b") == 2;
+    built &= LDAPProp("c") == "";
+    EXPECT_EQ(std::string(built), "(|(a=1)(b=2))");
+    // Comparisons with nothing drop out, as optional criteria do.
+    EXPECT_TRUE((LDAPProp("k") == "").IsNull());
+    EXPECT_TRUE((LDAPProp("k") != std::string()).IsNull());
+    EXPECT_EQ(std::string(LDAPProp("k") == "" && LDAPProp("a") == 1), "(a=1)");
+    EXPECT_EQ(std::string(LDAPProp("a") == 1 || LDAPProp("k") >= ""), "(a=1)");
 
     const LDAPFilter literal(LDAPProp("name") == "x(1)*");
     EXPECT_TRUE(literal.Match(properties({{"name", std::string("x(1)*")}})));

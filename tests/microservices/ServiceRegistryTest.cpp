@@ -16,6 +16,12 @@
 using namespace cppmicroservices;
 using testing::ElementsAre;
 
+class Declared {
+public:
+    virtual ~Declared() = default;
+};
+CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE(Declared, "org.builtin2.Declared/1.0")
+
 namespace {
 
 class Counter {
@@ -131,6 +137,27 @@ TEST_F(ServiceRegistryTest, OneRegistrationUnderSeveralInterfaces)
     const auto map = context_.GetService(ServiceReferenceU(named));
     EXPECT_EQ(map->size(), 2u);
     EXPECT_EQ(ExtractInterface<Named>(map).get(), static_cast<Named*>(impl.get()));
+}
+
+TEST_F(ServiceRegistryTest, ALeadingGlobalScopeNamesTheSameInterface)
+{
+    const auto impl = std::make_shared<FixedCounter>(3);
+    auto registration = context_.RegisterService(
+        std::make_shared<const InterfaceMap>(InterfaceMap{{"::Counter", std::static_pointer_cast<Counter>(impl)}}));
+    for (const char* name : {"::Counter", "Counter"}) {
+        const auto reference = context_.GetServiceReference(name);
+        ASSERT_TRUE(reference) << name;
+        EXPECT_EQ(reference.GetInterfaceId(), "Counter") << name;
+        EXPECT_EQ(ExtractInterface(context_.GetService(reference), name), impl) << name;
+    }
+}
+
+TEST_F(ServiceRegistryTest, ADeclaredInterfaceIsRegisteredUnderItsDeclaredName)
+{
+    class Impl final : public Declared {};
+    auto registration = context_.RegisterService<Declared>(std::make_shared<Impl>());
+    EXPECT_TRUE(context_.GetServiceReference("org.builtin2.Declared/1.0"));
+    EXPECT_EQ(context_.GetServiceReference<Declared>().GetInterfaceId(), "org.builtin2.Declared/1.0");
 }
 
 TEST_F(ServiceRegistryTest, UnregisterRemovesTheServiceOnce)

@@ -6,6 +6,7 @@
 
 #include <concepts>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <type_traits>
 #include <typeinfo>
@@ -67,6 +68,8 @@ public:
     // a value that has no text form.
     std::string ToString() const;
     std::string ToStringNoExcept() const noexcept;
+    // The JSON form of the held value; "null" for an empty Any.
+    std::string ToJSON() const;
 
     // Equal when both are empty, or both hold equal values of the same type. Values of types
     // without operator== are equal only to themselves.
@@ -78,6 +81,7 @@ private:
         virtual const std::type_info& type() const noexcept = 0;
         virtual std::unique_ptr<Placeholder> clone() const = 0;
         virtual std::string toString() const = 0;
+        virtual std::string toJSON() const = 0;
         virtual bool equals(const Placeholder& other) const = 0;
         virtual bool matches(const detail::ValueMatcher& matcher) const = 0;
     };
@@ -91,6 +95,7 @@ private:
         const std::type_info& type() const noexcept override { return typeid(T); }
         std::unique_ptr<Placeholder> clone() const override { return std::make_unique<Holder>(value); }
         std::string toString() const override { return detail::textOf(value); }
+        std::string toJSON() const override { return detail::jsonOf(value); }
         bool equals(const Placeholder& other) const override
         {
             if constexpr (std::equality_comparable<T>) {
@@ -110,8 +115,39 @@ private:
 
     template <typename ValueType>
     friend ValueType* any_cast(Any* operand) noexcept;
+    template <typename ValueType>
+    friend ValueType* unsafe_any_cast(Any* operand) noexcept;
     friend bool detail::matchAnyValue(const detail::ValueMatcher& matcher, const Any& value);
 };
+
+// The held value's address, without checking the held type: the caller knows it is
+// ValueType. Null only for a null or empty Any.
+template <typename ValueType>
+ValueType* unsafe_any_cast(Any* operand) noexcept
+{
+    using Stored = std::remove_cv_t<ValueType>;
+    return operand != nullptr && operand->holder_ ? &static_cast<Any::Holder<Stored>*>(operand->holder_.get())->value
+                                                  : nullptr;
+}
+
+template <typename ValueType>
+const ValueType* unsafe_any_cast(const Any* operand) noexcept
+{
+    return unsafe_any_cast<ValueType>(const_cast<Any*>(operand));
+}
+
+// Writes the text form, or the JSON form, of a value as an Any holding it would.
+template <typename T>
+std::ostream& any_value_to_string(std::ostream& out, const T& value)
+{
+    return out << detail::textOf(value);
+}
+
+template <typename T>
+std::ostream& any_value_to_json(std::ostream& out, const T& value)
+{
+    return out << detail::jsonOf(value);
+}
 
 // The held value's address, or null when the Any is null, empty or holds another type.
 template <typename ValueType>

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <string_view>
@@ -136,6 +137,9 @@ public:
     using iterator = BasicIterator<false>;
     using const_iterator = BasicIterator<true>;
 
+    // An empty map, or one of these entries, with keys in order (ORDERED_MAP).
+    AnyMap();
+    AnyMap(std::initializer_list<value_type> entries);
     explicit AnyMap(map_type type);
     AnyMap(const ordered_any_map& map);
     AnyMap(ordered_any_map&& map);
@@ -184,6 +188,8 @@ public:
     // a nested AnyMap or an index into a nested std::vector<Any>. Throws std::out_of_range
     // naming the missing part.
     const Any& AtCompoundKey(const key_type& key) const;
+    // As above, but defaultValue when the path leads nowhere.
+    Any AtCompoundKey(const key_type& key, Any defaultValue) const;
 
     bool operator==(const AnyMap& other) const;
 

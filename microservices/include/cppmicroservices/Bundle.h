@@ -5,6 +5,7 @@
 #include "cppmicroservices/AnyMap.h"
 
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <string>
 
@@ -62,6 +63,9 @@ protected:
 
     std::shared_ptr<detail::BundlePrivate> d_;
 };
+
+// "bundle NAME (id N)", or "invalid bundle".
+std::ostream& operator<<(std::ostream& out, const Bundle& bundle);
 
 } // namespace cppmicroservices
 

@@ -5,6 +5,8 @@
 
 #include "cppmicroservices/Any.h"
 #include "cppmicroservices/AnyMap.h"
+#include "cppmicroservices/ListenerToken.h"
+#include "cppmicroservices/ServiceEvent.h"
 #include "cppmicroservices/ServiceInterface.h"
 #include "cppmicroservices/ServiceObjects.h"
 #include "cppmicroservices/ServiceProperties.h"
@@ -107,6 +109,20 @@ public:
     // including those installed before. Throws std::runtime_error naming the file and the
     // problem; then nothing is installed.
     std::vector<Bundle> InstallBundles(const std::string& location) const;
+
+    // Calls listener, synchronously on the thread that makes the change, for each event of
+    // a service that matches the filter (every service when it is empty): after it is
+    // registered, after its properties change, and before it is unregistered. Listeners
+    // are called in the order they were added; one that throws is reported on the log
+    // channel "cppmicroservices::listeners" and the others are still called. A malformed
+    // filter throws std::invalid_argument. The listener is removed when this context's
+    // bundle stops.
+    ListenerToken AddServiceListener(const ServiceListener& listener, const std::string& filter = std::string());
+    // As AddServiceListener, for bundles installed, starting, started, stopping, stopped.
+    ListenerToken AddBundleListener(const BundleListener& listener);
+    // Removes the listener the token names; nothing happens for an invalid token or one
+    // already removed.
+    void RemoveListener(ListenerToken token);
 
 private:
     friend struct detail::ContextAccess;

@@ -9,6 +9,7 @@
 
 namespace cppmicroservices {
 
+class Bundle;
 class LDAPPropExpr;
 class ServiceReferenceBase;
 
@@ -32,6 +33,11 @@ public:
     explicit operator bool() const;
 
     bool Match(const ServiceReferenceBase& reference) const;
+    // Matches the bundle's manifest headers; false for an invalid bundle.
+    bool Match(const Bundle& bundle) const;
+    // In a map with case-sensitive keys, a key of the attribute's exact case is used; else
+    // the one key that differs only in case. Several such keys (and no exact one) throw
+    // std::invalid_argument.
     bool Match(const AnyMap& dictionary) const;
     // As Match, but attribute names must match the keys' case too.
     bool MatchCase(const AnyMap& dictionary) const;

@@ -15,6 +15,9 @@ public:
     explicit LDAPPropExpr(const std::string& expression);
 
     LDAPPropExpr operator!() const;
+    // this = this && / || other.
+    LDAPPropExpr& operator&=(const LDAPPropExpr& other);
+    LDAPPropExpr& operator|=(const LDAPPropExpr& other);
     operator std::string() const;
     bool IsNull() const;
 
@@ -26,7 +29,8 @@ LDAPPropExpr operator&&(const LDAPPropExpr& left, const LDAPPropExpr& right);
 LDAPPropExpr operator||(const LDAPPropExpr& left, const LDAPPropExpr& right);
 
 // One attribute; comparing it with a value gives an LDAPPropExpr. Values are written with
-// their filter special characters escaped, so they compare literally.
+// their filter special characters escaped, so they compare literally; a comparison with an
+// empty value gives a null expression.
 class LDAPProp {
 public:
     explicit LDAPProp(const std::string& property);

@@ -19,6 +19,19 @@ std::string us_service_interface_iid()
     return detail::demangledName(typeid(T));
 }
 
+} // namespace cppmicroservices
+
+// Gives the interface Type the name Id (a string literal) in place of its C++ name, so
+// that libraries agree on it whatever their compilers call the type. At global scope.
+#define CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE(Type, Id)                                                        \
+    template <>                                                                                                     \
+    inline std::string cppmicroservices::us_service_interface_iid<Type>()                                          \
+    {                                                                                                               \
+        return Id;                                                                                                  \
+    }
+
+namespace cppmicroservices {
+
 namespace detail {
 
 // The interface name of T, computed once per process and library.

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -59,6 +60,9 @@ private:
     std::shared_ptr<detail::ServiceRecord> record_;
     std::string_view interfaceId_; // one of the record's interface names
 };
+
+// "service ID (INTERFACE) of bundle NAME (id N)", or "invalid service reference".
+std::ostream& operator<<(std::ostream& out, const ServiceReferenceBase& reference);
 
 } // namespace cppmicroservices
 

@@ -1,5 +1,5 @@
 // The text form of any value an Any may hold: strings as they are, numbers in their
-// shortest exact form, sequences as "[a,b]", maps as "{k : v, ...}".
+// shortest exact form, sequences as "[a,b]", maps as "{k : v, ...}"; and its JSON form.
 #pragma once
 
 #include "cppmicroservices/detail/TypeName.h"
@@ -17,6 +17,9 @@ class Any;
 namespace cppmicroservices::detail {
 
 std::string textOfAny(const Any& value);
+std::string jsonOfAny(const Any& value);
+// The text as a JSON string: quoted, with quotes, backslashes and control characters escaped.
+std::string jsonString(std::string_view text);
 
 template <typename T>
 std::string numberText(T value)
@@ -59,6 +62,37 @@ std::string textOf(const T& value)
         return out.str();
     } else {
         throw std::logic_error("a value of type " + demangledName(typeid(T)) + " has no text form");
+    }
+}
+
+// JSON: strings quoted, numbers as numbers (non-finite ones as null), booleans, sequences
+// as arrays, maps as objects with their keys' text as names; other values as the JSON
+// string of their text form.
+template <typename T>
+std::string jsonOf(const T& value)
+{
+    if constexpr (std::is_same_v<T, Any>) {
+        return jsonOfAny(value);
+    } else if constexpr (std::is_same_v<T, bool>) {
+        return value ? "true" : "false";
+    } else if constexpr (std::is_floating_point_v<T> && !std::is_same_v<T, long double>) {
+        return value == value && value - value == 0 ? numberText(value) : "null";
+    } else if constexpr (std::is_arithmetic_v<T> && !std::is_same_v<T, char> && !std::is_same_v<T, long double>) {
+        return numberText(value);
+    } else if constexpr (MapLike<T>) {
+        std::string text = "{";
+        for (const auto& [key, mapped] : value) {
+            text.append(text.size() > 1 ? "," : "").append(jsonString(textOf(key))).append(":").append(jsonOf(mapped));
+        }
+        return text + "}";
+    } else if constexpr (SequenceLike<T> && !TextLike<T>) {
+        std::string text = "[";
+        for (const auto& element : value) {
+            text.append(text.size() > 1 ? "," : "").append(jsonOf(element));
+        }
+        return text + "]";
+    } else {
+        return jsonString(textOf(value));
     }
 }
 

@@ -1,0 +1,309 @@
+// Follows the services of one interface (or those matching a filter) as they come, change
+// and go, and keeps the best one at hand. Changes are handled one at a time per tracker,
+// on the thread that made them, and the customizer runs under no lock of the framework.
+// Reading the best service (GetService) takes no lock of the tracker: it reads an
+// atomically published snapshot.
+#pragma once
+
+#include "cppmicroservices/BundleContext.h"
+#include "cppmicroservices/Constants.h"
+#include "cppmicroservices/LDAPFilter.h"
+#include "cppmicroservices/LDAPProp.h"
+#include "cppmicroservices/ServiceEvent.h"
+#include "cppmicroservices/ServiceTrackerCustomizer.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace cppmicroservices {
+
+template <class S, class T = S>
+class ServiceTracker : protected ServiceTrackerCustomizer<S, T> {
+public:
+    using TrackedParamType = std::shared_ptr<T>;
+    using TrackingMap = std::unordered_map<ServiceReference<S>, std::shared_ptr<T>>;
+
+    // Tracks the services registered under S. Without a customizer, the tracker's own
+    // (which gets the service object) is used.
+    explicit ServiceTracker(const BundleContext& context, ServiceTrackerCustomizer<S, T>* customizer = nullptr)
+        : ServiceTracker(context, std::string(interfaceExpression()), customizer)
+    {
+    }
+
+    // Tracks the services registered under S that match the filter.
+    ServiceTracker(const BundleContext& context, const LDAPFilter& filter,
+                   ServiceTrackerCustomizer<S, T>* customizer = nullptr)
+        : ServiceTracker(context, std::string(interfaceExpression() && LDAPPropExpr(filter.ToString())), customizer)
+    {
+    }
+
+    ~ServiceTracker() override
+    {
+        try {
+            Close();
+        } catch (const std::exception&) {
+            // The framework went first; its services are gone with it.
+        }
+    }
+
+    ServiceTracker(const ServiceTracker&) = delete;
+    ServiceTracker& operator=(const ServiceTracker&) = delete;
+
+    // Starts tracking: the matching services now, and those that come later. Opening an
+    // open tracker does nothing. Throws std::runtime_error when the context is invalid.
+    void Open()
+    {
+        const std::lock_guard changes(changeMutex_);
+        if (token_) {
+            return;
+        }
+        {
+            const std::lock_guard lock(stateMutex_);
+            trackingCount_ = 0;
+        }
+        token_ = context_.AddServiceListener([this](const ServiceEvent& event) { serviceChanged(event); }, filter_);
+        for (const auto& reference : context_.GetServiceReferences(detail::interfaceName<S>(), filter_)) {
+            if (reference.GetBundle()) { // still registered
+                track(ServiceReference<S>(reference));
+            }
+        }
+    }
+
+    // Stops tracking; RemovedService is called for each tracked service.
+    void Close()
+    {
+        const std::lock_guard changes(changeMutex_);
+        if (!token_) {
+            return;
+        }
+        if (context_) {
+            context_.RemoveListener(std::move(token_));
+        }
+        token_ = ListenerToken();
+        TrackingMap removed;
+        {
+            const std::lock_guard lock(stateMutex_);
+            removed.swap(tracked_);
+            trackingCount_ = -1;
+            publishLocked();
+        }
+        for (const auto& [reference, service] : removed) {
+            customizer_->RemovedService(reference, service);
+        }
+    }
+
+    // The best tracked service (highest service.ranking, then lowest service.id); null
+    // when none is tracked.
+    std::shared_ptr<T> GetService() const
+    {
+        const std::shared_ptr<const Best> best = best_.load(std::memory_order_acquire);
+        return best != nullptr ? best->service : nullptr;
+    }
+
+    std::shared_ptr<T> GetService(const ServiceReference<S>& reference) const
+    {
+        const std::lock_guard lock(stateMutex_);
+        const auto found = tracked_.find(reference);
+        return found != tracked_.end() ? found->second : nullptr;
+    }
+
+    // Best first.
+    std::vector<std::shared_ptr<T>> GetServices() const
+    {
+        std::vector<std::shared_ptr<T>> services;
+        for (const auto& entry : bestFirst()) {
+            services.push_back(entry.second);
+        }
+        return services;
+    }
+
+    // The best tracked reference; an invalid one when none is tracked.
+    ServiceReference<S> GetServiceReference() const
+    {
+        const std::shared_ptr<const Best> best = best_.load(std::memory_order_acquire);
+        return best != nullptr ? best->reference : ServiceReference<S>();
+    }
+
+    // Best first.
+    std::vector<ServiceReference<S>> GetServiceReferences() const
+    {
+        std::vector<ServiceReference<S>> references;
+        for (const auto& entry : bestFirst()) {
+            references.push_back(entry.first);
+        }
+        return references;
+    }
+
+    void GetTracked(TrackingMap& map) const
+    {
+        const std::lock_guard lock(stateMutex_);
+        map.insert(tracked_.begin(), tracked_.end());
+    }
+
+    // Waits until a service is tracked, at most timeout (zero: without limit), and
+    // returns the best one, or null. A negative timeout throws std::invalid_argument.
+    template <class Rep, class Period>
+    std::shared_ptr<T> WaitForService(const std::chrono::duration<Rep, Period>& timeout)
+    {
+        if (timeout.count() < 0) {
+            throw std::invalid_argument("WaitForService: the timeout must not be negative");
+        }
+        std::unique_lock lock(stateMutex_);
+        const auto tracking = [this] { return !tracked_.empty(); };
+        if (timeout.count() == 0) {
+            changed_.wait(lock, tracking);
+        } else {
+            changed_.wait_for(lock, timeout, tracking);
+        }
+        lock.unlock();
+        return GetService();
+    }
+
+    // Grows by one at each service added, modified or removed; -1 while closed.
+    int GetTrackingCount() const
+    {
+        const std::lock_guard lock(stateMutex_);
+        return trackingCount_;
+    }
+
+    std::size_t Size() const
+    {
+        const std::lock_guard lock(stateMutex_);
+        return tracked_.size();
+    }
+
+    bool IsEmpty() const { return Size() == 0; }
+
+    // Stops tracking one service, as if it had gone.
+    void Remove(const ServiceReference<S>& reference)
+    {
+        const std::lock_guard changes(changeMutex_);
+        untrack(reference);
+    }
+
+protected:
+    std::shared_ptr<T> AddingService(const ServiceReference<S>& reference) override
+    {
+        return std::static_pointer_cast<T>(context_.GetService(reference));
+    }
+    void ModifiedService(const ServiceReference<S>&, const std::shared_ptr<T>&) override {}
+    void RemovedService(const ServiceReference<S>&, const std::shared_ptr<T>&) override {}
+
+private:
+    struct Best {
+        ServiceReference<S> reference;
+        std::shared_ptr<T> service;
+    };
+
+    ServiceTracker(const BundleContext& context, std::string filter, ServiceTrackerCustomizer<S, T>* customizer)
+        : context_(context), filter_(std::move(filter)), customizer_(customizer != nullptr ? customizer : this)
+    {
+    }
+
+    std::vector<std::pair<ServiceReference<S>, std::shared_ptr<T>>> bestFirst() const
+    {
+        std::vector<std::pair<ServiceReference<S>, std::shared_ptr<T>>> entries;
+        {
+            const std::lock_guard lock(stateMutex_);
+            entries.assign(tracked_.begin(), tracked_.end());
+        }
+        std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return b.first < a.first; });
+        return entries;
+    }
+
+    static LDAPPropExpr interfaceExpression()
+    {
+        return LDAPProp(Constants::OBJECTCLASS) == detail::interfaceName<S>();
+    }
+
+    void serviceChanged(const ServiceEvent& event)
+    {
+        const std::lock_guard changes(changeMutex_);
+        if (!token_) {
+            return;
+        }
+        const ServiceReference<S> reference = event.GetServiceReference<S>();
+        switch (event.GetType()) {
+        case ServiceEvent::SERVICE_REGISTERED:
+        case ServiceEvent::SERVICE_MODIFIED:
+            track(reference);
+            break;
+        case ServiceEvent::SERVICE_MODIFIED_ENDMATCH:
+        case ServiceEvent::SERVICE_UNREGISTERING:
+            untrack(reference);
+            break;
+        }
+    }
+
+    // Under changeMutex_.
+    void track(const ServiceReference<S>& reference)
+    {
+        std::shared_ptr<T> service = GetService(reference);
+        if (service) {
+            customizer_->ModifiedService(reference, service);
+        } else if (!(service = customizer_->AddingService(reference))) {
+            return;
+        }
+        {
+            const std::lock_guard lock(stateMutex_);
+            tracked_.insert_or_assign(reference, service);
+            ++trackingCount_;
+            publishLocked();
+        }
+        changed_.notify_all();
+    }
+
+    // Under changeMutex_.
+    void untrack(const ServiceReference<S>& reference)
+    {
+        std::shared_ptr<T> service;
+        {
+            const std::lock_guard lock(stateMutex_);
+            const auto found = tracked_.find(reference);
+            if (found == tracked_.end()) {
+                return;
+            }
+            service = found->second;
+            tracked_.erase(found);
+            ++trackingCount_;
+            publishLocked();
+        }
+        customizer_->RemovedService(reference, service);
+    }
+
+    // Publishes the best entry for readers that take no lock; under stateMutex_.
+    void publishLocked()
+    {
+        std::shared_ptr<const Best> next;
+        if (!tracked_.empty()) {
+            const auto& [reference, service] = *std::max_element(
+                tracked_.begin(), tracked_.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+            next = std::make_shared<const Best>(Best{reference, service});
+        }
+        best_.store(std::move(next), std::memory_order_release);
+    }
+
+    BundleContext context_;
+    const std::string filter_;
+    ServiceTrackerCustomizer<S, T>* const customizer_;
+
+    std::recursive_mutex changeMutex_; // a customizer may call back into its tracker
+    ListenerToken token_;
+
+    mutable std::mutex stateMutex_;
+    std::condition_variable changed_;
+    TrackingMap tracked_;
+    int trackingCount_ = -1;
+    std::atomic<std::shared_ptr<const Best>> best_;
+};
+
+} // namespace cppmicroservices
