@@ -84,13 +84,15 @@ DispatchCache::Lookup DispatchCache::find(const CallKey& key) const noexcept {
     return findIn(slots_[home ^ 1], key);
 }
 
+// A seqlock without fences: the slot's words are read with acquire, so the second read of
+// the sequence number cannot move before them; the writer stores them with release after
+// making the number odd, so a reader that sees any new word also sees the number changed.
 DispatchCache::Lookup DispatchCache::findIn(const Slot& slot, const CallKey& key) noexcept {
     const std::uint64_t before = slot.sequence.load(std::memory_order_acquire);
-    const std::uint64_t first = slot.words[0].load(std::memory_order_relaxed);
-    const std::uint64_t second = slot.words[1].load(std::memory_order_relaxed);
-    const std::uint64_t third = slot.words[2].load(std::memory_order_relaxed);
-    const BuiltinVariant* variant = slot.variant.load(std::memory_order_relaxed);
-    std::atomic_thread_fence(std::memory_order_acquire);
+    const std::uint64_t first = slot.words[0].load(std::memory_order_acquire);
+    const std::uint64_t second = slot.words[1].load(std::memory_order_acquire);
+    const std::uint64_t third = slot.words[2].load(std::memory_order_acquire);
+    const BuiltinVariant* variant = slot.variant.load(std::memory_order_acquire);
     // An odd number is a slot being filled; a changed one, a slot refilled while read.
     const bool settled = (before & 1) == 0 && slot.sequence.load(std::memory_order_relaxed) == before;
     if (settled && first == key.words[0] && second == key.words[1] && third == key.words[2]) {
@@ -117,11 +119,10 @@ void DispatchCache::store(const CallKey& key, const BuiltinVariant* variant) noe
         !slot.sequence.compare_exchange_strong(sequence, sequence + 1, std::memory_order_acquire)) {
         return;
     }
-    std::atomic_thread_fence(std::memory_order_release);
     for (std::size_t w = 0; w < key.words.size(); ++w) {
-        slot.words[w].store(key.words[w], std::memory_order_relaxed);
+        slot.words[w].store(key.words[w], std::memory_order_release);
     }
-    slot.variant.store(variant, std::memory_order_relaxed);
+    slot.variant.store(variant, std::memory_order_release);
     slot.sequence.store(sequence + 2, std::memory_order_release);
 }
 
