@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace Velloc::builtin::detail {
+namespace Velloc::builtin::builtinreg::detail {
 
 namespace {
 
@@ -126,4 +126,4 @@ void DispatchCache::store(const CallKey& key, const BuiltinVariant* variant) noe
     slot.sequence.store(sequence + 2, std::memory_order_release);
 }
 
-} // namespace Velloc::builtin::detail
+} // namespace Velloc::builtin::builtinreg::detail

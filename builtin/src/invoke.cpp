@@ -162,11 +162,11 @@ const BuiltinVariant* BuiltinFcn::firstAcceptingVariant(std::span<const BuiltinV
     };
     // Lists with the same variants share an index; chooseVariants returns one of three.
     const unsigned listIndex = isList(searchedByInvokeNoLxe_) ? 0 : (isList(searchedByInvokeAfterLxe_) ? 1 : 2);
-    const std::optional<detail::CallKey> key = detail::DispatchCache::keyOf(listIndex, call);
+    const std::optional<builtinreg::detail::CallKey> key = builtinreg::detail::DispatchCache::keyOf(listIndex, call);
     if (!key) {
         return findAcceptingVariant(list, call);
     }
-    if (const detail::DispatchCache::Lookup seen = dispatchCache_->find(*key); seen.found) {
+    if (const builtinreg::detail::DispatchCache::Lookup seen = dispatchCache_->find(*key); seen.found) {
         return seen.variant;
     }
     const BuiltinVariant* variant = findAcceptingVariant(list, call);

@@ -18,9 +18,9 @@ namespace Velloc::builtin {
 
 namespace builtinreg {
 class BuiltinVariantLists;
-}
 namespace detail {
 class DispatchCache;
+}
 }
 
 // A non-owning view of a variant list.
@@ -92,7 +92,7 @@ private:
     VariantArray searchedByInvokeAfterLxe_;
     VariantArray searchedByInvokeAfterLxeComplexScalar_;
     // What invoke chose for recent kinds of call; filled by invoke from any thread.
-    std::unique_ptr<detail::DispatchCache> dispatchCache_;
+    std::unique_ptr<builtinreg::detail::DispatchCache> dispatchCache_;
 
     const BuiltinVariant* firstAcceptingVariant(std::span<const BuiltinVariant> list,
                                                 const VariantSignature& call) const;

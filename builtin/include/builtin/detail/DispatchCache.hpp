@@ -18,7 +18,7 @@ namespace Velloc::builtin {
 class BuiltinVariant;
 class VariantSignature;
 
-namespace detail {
+namespace builtinreg::detail {
 
 // The list searched, the output count and the inputs' keys, packed. A zero first word
 // marks an empty slot; every valid key has its lowest bit set.
@@ -58,6 +58,6 @@ private:
     std::array<Slot, SLOTS> slots_;
 };
 
-} // namespace detail
+} // namespace builtinreg::detail
 
 } // namespace Velloc::builtin
