@@ -7,6 +7,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
@@ -129,5 +130,39 @@ void BM_InvokeSixteenVariantsLastMatches(benchmark::State& state) {
     invokeRepeatedly(state, f, a.get(), b.get());
 }
 BENCHMARK(BM_InvokeSixteenVariantsLastMatches);
+
+std::int32_t plusInt32(std::int32_t a, std::int32_t b) { return a + b; }
+float plusSingle(float a, float b) { return a + b; }
+
+// One call per iteration, cycling through five kinds of call to the same builtin, so
+// that a dispatch shortcut that serves only the first kind it sees, or that evicts one
+// kind for the next, costs here what a full search costs.
+void BM_InvokeMixedCalls(benchmark::State& state) {
+    static const BuiltinVariantLists lists{
+        makeVariants<&plusDouble>("plus", {.isElementWise = true}),
+        makeVariants<&plusInt32>("plus", {.isElementWise = true}),
+        makeVariants<&plusSingle>("plus", {.isElementWise = true}),
+        makeVariants<&anyPair>("plus"),
+    };
+    static const RegisteredBuiltin builtin("plus", "bench", "", lists, noDefaultImplementation("plus"));
+    const std::size_t rowDims[] = {1, 3};
+    matrix::ArrayPtr row(matrix::detail::do_create_uninitnumeric(rowDims, oxDOUBLE_CLASS, oxREAL));
+    std::fill_n(matrix::getTypedData<double>(row.get()), 3, 1.0);
+    const matrix::ArrayPtr operands[] = {
+        matrix::ArrayPtr(matrix::createScalar<double>(1)),   matrix::ArrayPtr(matrix::createScalar<std::int32_t>(2)),
+        matrix::ArrayPtr(matrix::createScalar<float>(3)),    std::move(row),
+        matrix::ArrayPtr(matrix::createCharRow(u"c")),
+    };
+    std::size_t next = 0;
+    for (auto _ : state) {
+        oxArray* args[] = {operands[next].get(), operands[next].get()};
+        oxArray* result = nullptr;
+        builtin.invoke(1, &result, 2, args, BuiltinFcn::NoLxe);
+        benchmark::DoNotOptimize(result);
+        matrix::destroyArray(result);
+        next = next == 4 ? 0 : next + 1;
+    }
+}
+BENCHMARK(BM_InvokeMixedCalls);
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <builtin/LogSeverity.hpp>
 #include <builtin/builtinreg/BuiltinVariantLists.hpp>
+#include <builtin/detail/DispatchCache.hpp>
 
 #include <foundation/log/Channel.hpp>
 
@@ -52,6 +53,7 @@ BuiltinFcn::BuiltinFcn(std::string name, capabilities::CapabilityList capabiliti
       searchedByInvokeNoLxe_(searchedByInvokeNoLxe),
       searchedByInvokeAfterLxe_(searchedByInvokeAfterLxe),
       searchedByInvokeAfterLxeComplexScalar_(searchedByInvokeAfterLxeComplexScalar),
+      dispatchCache_(std::make_unique<builtinreg::detail::DispatchCache>()),
       fallbackFcn(fallbackFcn) {
     static foundation::log::Channel& channel = foundation::log::channel("builtin2::BuiltinFcn");
     foundation::log::logIf(channel, LOG_DEBUG, "BuiltinFcn", 542, [&] {

@@ -1,7 +1,6 @@
 // Acceptance of calls and the sort order of variant lists.
 #include <builtin/BuiltinVariant.hpp>
 
-#include <builtin/types/ArgTypeOfOxArray.hpp>
 
 #include <algorithm>
 
@@ -146,12 +145,20 @@ bool BuiltinVariant::operator<(const BuiltinVariant& other) const {
 }
 
 VariantSignature::VariantSignature(std::uint64_t nlhs, std::uint64_t nrhs, oxArray* const* prhs)
-    : nlhs_(nlhs), nrhs_(nrhs), prhs_(prhs), argTypes_(nrhs) {}
+    : nlhs_(nlhs), nrhs_(nrhs), prhs_(prhs), keys_(nrhs, boost::container::default_init) {
+    for (std::uint64_t i = 0; i < nrhs; ++i) {
+        keys_[i] = types::InputKey::of(prhs[i]);
+    }
+}
 
+// A call that the dispatch cache serves never builds an argument type.
 const types::ArgType& VariantSignature::getArgType(std::size_t position) const {
+    if (argTypes_.empty()) {
+        argTypes_.resize(nrhs_);
+    }
     std::optional<types::ArgType>& cached = argTypes_[position];
     if (!cached) {
-        cached.emplace(types::getArgTypeOfOxArray(prhs_[position]));
+        cached.emplace(keys_[position].argType());
     }
     return *cached;
 }

@@ -41,12 +41,6 @@ bool readScalar(const oxArray* array, oxClassID classId, bool complex, Parameter
     }
 }
 
-bool isFullScalar(const types::ArgType& argument) {
-    const auto* array = std::get_if<types::OxArrayTypes>(&argument);
-    return array != nullptr && array->getShape().first == types::OxArrayTypes::Shape::SCALAR &&
-           array->getDensity() == types::OxArrayTypes::Density::FULL;
-}
-
 } // namespace
 
 Parameter toParameter(const VariantSignature& call, std::size_t position, const types::ArgType& declared) {
@@ -54,9 +48,9 @@ Parameter toParameter(const VariantSignature& call, std::size_t position, const 
     if (array != nullptr) {
         if (const auto* scalar = std::get_if<types::NumericScalarTypes>(&declared)) {
             Parameter value;
-            const bool complex = matrix::isComplex(array);
-            if (isFullScalar(call.getArgType(position)) && complex == scalar->isComplex() &&
-                readScalar(array, matrix::getClassID(array), complex, value)) {
+            const types::InputKey key = call.getInputKey(position);
+            if (key.isFullScalar() && key.isComplex() == scalar->isComplex() &&
+                readScalar(array, key.classId(), key.isComplex(), value)) {
                 return value;
             }
         } else if (std::holds_alternative<types::LxeObjectTypes>(declared)) {

@@ -6,6 +6,7 @@
 #include <builtin/builtinreg/BehaviourChecks.hpp>
 #include <builtin/builtinreg/Explain.hpp>
 #include <builtin/builtinreg/OutputChecks.hpp>
+#include <builtin/detail/DispatchCache.hpp>
 
 #include <foundation/core/diag/terminate.hpp>
 #include <foundation/log/Channel.hpp>
@@ -57,7 +58,12 @@ Parameter runVariant(const BuiltinVariant& variant, const Parameter* parameters)
     std::exception_ptr pendingError;
     bool pending = false;
     detail::CallEnvironment environment(warnings, pendingError);
-    const builtinreg::detail::LogBuiltinVariantExecution_ trace(&variant);
+    // The execution records cost one flag read when their channel is off.
+    static const foundation::log::Channel& executions = builtinreg::detail::executionChannel();
+    std::optional<builtinreg::detail::LogBuiltinVariantExecution_> trace;
+    if (executions.isEnabled()) {
+        trace.emplace(&variant);
+    }
     Parameter result = variant.functionDescriptor.getGenericEntry()(variant.functionDescriptor, environment, pending,
                                                                     parameters);
     if (pending) {
@@ -147,6 +153,27 @@ void traceDispatch(const BuiltinFcn& builtin, std::span<const BuiltinVariant> li
 
 } // namespace
 
+// The first variant of the list that accepts the call, from the cache when the call's
+// kind was seen before; null when none does.
+const BuiltinVariant* BuiltinFcn::firstAcceptingVariant(std::span<const BuiltinVariant> list,
+                                                        const VariantSignature& call) const {
+    const auto isList = [&](const VariantArray& candidate) {
+        return list.data() == candidate.variants && list.size() == candidate.numVariants;
+    };
+    // Lists with the same variants share an index; chooseVariants returns one of three.
+    const unsigned listIndex = isList(searchedByInvokeNoLxe_) ? 0 : (isList(searchedByInvokeAfterLxe_) ? 1 : 2);
+    const std::optional<builtinreg::detail::CallKey> key = builtinreg::detail::DispatchCache::keyOf(listIndex, call);
+    if (!key) {
+        return findAcceptingVariant(list, call);
+    }
+    if (const builtinreg::detail::DispatchCache::Lookup seen = dispatchCache_->find(*key); seen.found) {
+        return seen.variant;
+    }
+    const BuiltinVariant* variant = findAcceptingVariant(list, call);
+    dispatchCache_->store(*key, variant);
+    return variant;
+}
+
 void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
                         VariantsToConsider variantsToConsider) const {
     // A caller's mistake in the calling form must not become a wild write.
@@ -158,7 +185,7 @@ void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
     const std::span<const BuiltinVariant> list = chooseVariants(nrhs, prhs, variantsToConsider);
     if (!list.empty()) {
         const VariantSignature call(static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs), prhs);
-        if (const BuiltinVariant* variant = findAcceptingVariant(list, call)) {
+        if (const BuiltinVariant* variant = firstAcceptingVariant(list, call)) {
             traceDispatch(*this, list, variant);
             callVariant(*variant, call, nlhs, plhs);
             return;

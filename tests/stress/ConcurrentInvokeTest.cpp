@@ -2,6 +2,8 @@
 // one, an element-wise one on arrays large enough to run its parallel loops, and one that
 // warns. Every call must give what the same call gave when run alone, warnings included,
 // and must hand back the references it took on the shared inputs.
+#include "RunTogether.hpp"
+
 #include <builtin/builtinreg/MakeVariant.hpp>
 
 #include <fl/i18n.hpp>
@@ -13,9 +15,7 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
-#include <latch>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -25,7 +25,6 @@ using Velloc::builtin::BuiltinFcn;
 
 constexpr int THREADS = 4;
 constexpr int ROUNDS = 40;
-// Threads start no new round after this, so that the case stays short under ThreadSanitizer.
 constexpr std::chrono::seconds BUDGET{3};
 // Above the element count from which the element-wise loops run in parallel.
 constexpr std::size_t LARGE = 5000;
@@ -161,28 +160,18 @@ TEST(ConcurrentInvoke, EveryThreadGetsTheSerialResultsAndWarnings) {
 
     std::atomic<int> wrongResults{0};
     std::atomic<long> callsMade{0};
-    std::latch start(THREADS);
     const auto began = std::chrono::steady_clock::now();
-    std::vector<std::thread> threads;
-    for (int t = 0; t < THREADS; ++t) {
-        threads.emplace_back([&, t] {
-            start.arrive_and_wait();
-            for (int round = 0; round < ROUNDS && std::chrono::steady_clock::now() - began < BUDGET; ++round) {
-                // Each thread walks the calls from its own starting point, so that different
-                // builtins and the same builtin both overlap.
-                for (std::size_t i = 0; i < calls.size(); ++i) {
-                    const std::size_t k = (i + static_cast<std::size_t>(t) * 3) % calls.size();
-                    if (!(calls[k].run() == expected[k])) {
-                        ++wrongResults;
-                    }
-                    ++callsMade;
-                }
+    stress::runTogether(THREADS, ROUNDS, BUDGET, [&](int t) {
+        // Each thread walks the calls from its own starting point, so that different
+        // builtins and the same builtin both overlap.
+        for (std::size_t i = 0; i < calls.size(); ++i) {
+            const std::size_t k = (i + static_cast<std::size_t>(t) * 3) % calls.size();
+            if (!(calls[k].run() == expected[k])) {
+                ++wrongResults;
             }
-        });
-    }
-    for (auto& thread : threads) {
-        thread.join();
-    }
+            ++callsMade;
+        }
+    });
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
     std::printf("[ stress   ] %d threads, %ld calls in %.2f s\n", THREADS, callsMade.load(), seconds);
 

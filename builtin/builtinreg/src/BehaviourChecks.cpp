@@ -36,13 +36,9 @@ void assertDoesNotCall(const ActiveVariants& active) {
         "const BuiltinVariant*)");
 }
 
-const foundation::log::Channel& invokeChannel() {
-    static const foundation::log::Channel& channel = foundation::log::channel("builtin2::invoke");
-    return channel;
-}
 
 void logExecution(const char* heading, const BuiltinVariant* variant, int line) {
-    foundation::log::logIf(invokeChannel(), 1, "LogBuiltinVariantExecution", line, [&] {
+    foundation::log::logIf(builtinreg::detail::executionChannel(), 1, "LogBuiltinVariantExecution", line, [&] {
         std::ostringstream text;
         text << heading;
         if (variant != nullptr) {
@@ -84,6 +80,11 @@ CallsORVEXCheckAsserted::~CallsORVEXCheckAsserted() {
 }
 
 namespace detail {
+
+const foundation::log::Channel& executionChannel() {
+    static const foundation::log::Channel& channel = foundation::log::channel("builtin2::invoke");
+    return channel;
+}
 
 bool AssertIfWarnings::operator()(const fl::ustring& warning) const {
     foundation::core::diag::terminate("builtin: \"" + variant_.orvexFunctionName + "\" function: \"" +

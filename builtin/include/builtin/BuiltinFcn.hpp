@@ -10,6 +10,7 @@
 #include <ocos/Ofh.hpp>
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 
@@ -17,6 +18,9 @@ namespace Velloc::builtin {
 
 namespace builtinreg {
 class BuiltinVariantLists;
+namespace detail {
+class DispatchCache;
+}
 }
 
 // A non-owning view of a variant list.
@@ -87,6 +91,11 @@ private:
     VariantArray searchedByInvokeNoLxe_;
     VariantArray searchedByInvokeAfterLxe_;
     VariantArray searchedByInvokeAfterLxeComplexScalar_;
+    // What invoke chose for recent kinds of call; filled by invoke from any thread.
+    std::unique_ptr<builtinreg::detail::DispatchCache> dispatchCache_;
+
+    const BuiltinVariant* firstAcceptingVariant(std::span<const BuiltinVariant> list,
+                                                const VariantSignature& call) const;
 
 public:
     // The host-level function of the builtin; kept for the host, not used by invoke.

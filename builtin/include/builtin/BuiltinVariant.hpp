@@ -5,6 +5,7 @@
 #pragma once
 
 #include <builtin/types/ArgType.hpp>
+#include <builtin/types/InputKey.hpp>
 #include <builtin/types/LxeSupportLevel.hpp>
 #include <lxe/LxeFunctionDescriptor.hpp>
 
@@ -74,8 +75,8 @@ public:
 
 std::ostream& operator<<(std::ostream& out, const BuiltinVariant& variant);
 
-// One runtime call as the comparisons see it. Each input is classified at most once, and
-// only when a comparison asks for its type.
+// One runtime call as the comparisons see it. Each input's key is read once, when the
+// call is made; its argument type is built from the key only when a comparison asks.
 class VariantSignature {
 public:
     VariantSignature(std::uint64_t nlhs, std::uint64_t nrhs, oxArray* const* prhs);
@@ -83,12 +84,14 @@ public:
     std::uint64_t getNlhs() const noexcept { return nlhs_; }
     std::uint64_t getNrhs() const noexcept { return nrhs_; }
     oxArray* getArray(std::size_t position) const { return prhs_[position]; }
+    types::InputKey getInputKey(std::size_t position) const { return keys_[position]; }
     const types::ArgType& getArgType(std::size_t position) const;
 
 private:
     std::uint64_t nlhs_;
     std::uint64_t nrhs_;
     oxArray* const* prhs_;
+    boost::container::small_vector<types::InputKey, 4> keys_;
     mutable boost::container::small_vector<std::optional<types::ArgType>, 4> argTypes_;
 };
 

@@ -86,6 +86,21 @@ oxArray* allocateArray(Dims dimensions, oxClassID classId, std::uint32_t flags, 
     return array.release();
 }
 
+oxArray* allocateScalar(oxClassID classId, std::uint32_t flags) {
+    auto* array = new oxArray; // default-initialised: the fields are all set below
+    array->classId = classId;
+    array->flags.store(flags | flag::TWO_DIMENSIONAL, std::memory_order_relaxed);
+    array->referenceCount.store(1, std::memory_order_relaxed);
+    array->numberOfDimensions = 2;
+    array->numberOfElements = 1;
+    array->dimensions = array->inlineDimensions;
+    array->inlineDimensions[0] = 1;
+    array->inlineDimensions[1] = 1;
+    array->data = array->inlineData;
+    array->extras = nullptr;
+    return array;
+}
+
 void freeArray(oxArray* array) {
     const bool ownsSeparateData = array->data != nullptr && array->data != array->inlineData &&
                                   (array->extras == nullptr || !array->extras->dataOwner);

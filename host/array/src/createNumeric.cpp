@@ -8,8 +8,6 @@ namespace matrix {
 namespace detail {
 namespace {
 
-constexpr std::size_t SCALAR_DIMENSIONS[] = {1, 1};
-
 std::uint32_t complexityFlags(oxComplexity complexity) { return complexity == oxCOMPLEX ? flag::COMPLEX : 0; }
 
 } // namespace
@@ -38,8 +36,8 @@ oxArray* do_create_uninitnumeric(Dims dims, oxClassID classId, oxComplexity comp
 template <class T>
 oxArray* createScalar(T value) {
     using Class = detail::ScalarClass<T>;
-    oxArray* array = detail::allocateArray(detail::SCALAR_DIMENSIONS, Class::classId,
-                                           detail::complexityFlags(Class::complexity), sizeof(T));
+    static_assert(sizeof(T) <= detail::INLINE_DATA_BYTES);
+    oxArray* array = detail::allocateScalar(Class::classId, detail::complexityFlags(Class::complexity));
     std::memcpy(array->data, &value, sizeof(T));
     return array;
 }

@@ -1,6 +1,6 @@
 // The host's array library: N-d arrays of every language class, as the interpreter
-// hands them to builtins. `oxArray` is opaque; everything goes through the functions
-// below so that callers never depend on the header layout.
+// hands them to builtins. Callers go through the functions below; the most frequent
+// queries read the header inline (matrix/oxArrayLayout.hpp).
 #pragma once
 
 #include <fl/ustring.hpp>
@@ -62,14 +62,14 @@ public:
 };
 
 // --- queries (a null handle raises std::logic_error) ---
-oxClassID getClassID(const oxArray* a);
-std::size_t getNumberOfDimensions(const oxArray* a); // at least 2
-Dims getDimensions(const oxArray* a);                // completes opaque dimensions first
-std::size_t getNumberOfElements(const oxArray* a);
-bool isEmpty(const oxArray* a);
-bool isScalar(const oxArray* a);
-bool isComplex(const oxArray* a);      // both complex bits of the header set
-bool isSparse(const oxArray* a);
+inline oxClassID getClassID(const oxArray* a);
+inline std::size_t getNumberOfDimensions(const oxArray* a); // at least 2
+inline Dims getDimensions(const oxArray* a);                // completes opaque dimensions first
+inline std::size_t getNumberOfElements(const oxArray* a);
+inline bool isEmpty(const oxArray* a);
+inline bool isScalar(const oxArray* a);
+inline bool isComplex(const oxArray* a);      // both complex bits of the header set
+inline bool isSparse(const oxArray* a);
 bool isSharedData(const oxArray* a);   // data shared with another array
 bool isTemporary(const oxArray* a);    // may be reused as an output
 bool isTwoDimensional(const oxArray* a);
@@ -83,8 +83,8 @@ std::size_t getElementSize(oxClassID classId); // bytes of one real element; 0 f
 std::uint32_t getReferenceCount(const oxArray* a);
 
 // Numeric, logical and char data: contiguous, column-major; complex data interleaved.
-void* getData(oxArray* a);
-const void* getData(const oxArray* a);
+inline void* getData(oxArray* a);
+inline const void* getData(const oxArray* a);
 template <class T> T* getTypedData(oxArray* a) { return static_cast<T*>(getData(a)); }
 template <class T> const T* getTypedData(const oxArray* a) { return static_cast<const T*>(getData(a)); }
 
@@ -171,3 +171,5 @@ private:
 };
 
 } // namespace matrix
+
+#include <matrix/oxArrayLayout.hpp>

@@ -6,6 +6,7 @@
 #include <builtin/BuiltinVariant.hpp>
 
 #include <fl/ustring.hpp>
+#include <foundation/log/Channel.hpp>
 
 namespace Velloc::builtin {
 
@@ -39,6 +40,9 @@ public:
 private:
     const BuiltinVariant& variant_;
 };
+
+// The channel of the records below, for callers that test it before making one.
+const foundation::log::Channel& executionChannel();
 
 // "Executing: " and "Execution complete: " records on "builtin2::invoke".
 class LogBuiltinVariantExecution_ {

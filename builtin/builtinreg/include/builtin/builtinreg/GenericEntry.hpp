@@ -58,6 +58,10 @@ struct GenericEntry {
     static Parameter callElementWise(CallContext& context, const Parameter* parameters) {
         static_assert(CAN_RUN_ELEMENT_WISE, "an element-wise function maps one or two numeric scalars to one");
         return [&]<std::size_t... I>(std::index_sequence<I...>) {
+            // Scalars that travel as their values: one call, no loop to set up.
+            if (((boost::get<Arg<I>>(&parameters[I]) != nullptr) && ...)) {
+                return toResultParameter(callDeveloper(context, *boost::get<Arg<I>>(&parameters[I])...));
+            }
             // Stateless, so that each chunk of a parallel loop calls with its own context.
             const auto element = [](CallContext& chunkContext, Arg<I>... values) {
                 return callDeveloper(chunkContext, values...);

@@ -1,0 +1,123 @@
+// The header every array starts with, and the queries that read it inline. Dispatch
+// classifies each input of every builtin call from these fields, so a query must cost a
+// few loads rather than a call into the library. Only the array library writes them.
+//
+// A numeric, logical or char array whose data fits in INLINE_DATA_BYTES lives in one
+// allocation with its header and up to INLINE_DIMENSIONS dimensions; larger data is a
+// separate DATA_ALIGNMENT-aligned block so that element-wise loops vectorise over it.
+// The flags word and the reference count are atomic because marks and references change
+// while other threads read.
+#pragma once
+
+#include <matrix/oxArray.hpp>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+namespace matrix::detail {
+
+inline constexpr std::size_t INLINE_DIMENSIONS = 4;
+inline constexpr std::size_t INLINE_DATA_BYTES = 32;
+inline constexpr std::size_t DATA_ALIGNMENT = 64;
+
+// Bits of the flags word.
+namespace flag {
+inline constexpr std::uint32_t COMPLEX_LOW = 1u << 0;
+inline constexpr std::uint32_t COMPLEX_HIGH = 1u << 1;
+inline constexpr std::uint32_t COMPLEX = COMPLEX_LOW | COMPLEX_HIGH;
+inline constexpr std::uint32_t SPARSE = 1u << 2;
+inline constexpr std::uint32_t SHARED_DATA = 1u << 3;
+inline constexpr std::uint32_t TEMPORARY = 1u << 4;
+inline constexpr std::uint32_t STORAGE_LOW = 1u << 5;
+inline constexpr std::uint32_t STORAGE_HIGH = 1u << 6;
+inline constexpr std::uint32_t FOREIGN_STORAGE = STORAGE_LOW | STORAGE_HIGH;
+inline constexpr std::uint32_t TWO_DIMENSIONAL = 1u << 7;
+inline constexpr std::uint32_t OPAQUE_DIMENSIONS = 1u << 8;
+} // namespace flag
+
+// What arrays other than plain numeric ones carry besides their header.
+struct ArrayExtras;
+
+} // namespace matrix::detail
+
+struct oxArray {
+    oxClassID classId;
+    std::atomic<std::uint32_t> flags;
+    std::atomic<std::uint32_t> referenceCount;
+    std::uint32_t numberOfDimensions;
+    std::size_t numberOfElements; // saturates at the largest size_t when the product overflows
+    std::size_t* dimensions;      // inlineDimensions, or a separate block for more dimensions
+    void* data;                   // inlineData, a separate aligned block, another array's data, or null
+    matrix::detail::ArrayExtras* extras; // null for plain numeric, logical and char arrays
+    std::size_t inlineDimensions[matrix::detail::INLINE_DIMENSIONS];
+    alignas(16) std::byte inlineData[matrix::detail::INLINE_DATA_BYTES];
+};
+
+namespace matrix {
+
+namespace detail {
+
+[[noreturn]] void throwNullHandle(const char* function);
+void completeOpaqueDimensions(const oxArray& array);
+
+// Throws std::logic_error naming the function when given a null handle. Inline: every
+// query passes through it, and the test must cost no call.
+inline const oxArray& checkedArray(const oxArray* array, const char* function) {
+    if (array == nullptr) [[unlikely]] {
+        throwNullHandle(function);
+    }
+    return *array;
+}
+inline oxArray& checkedArray(oxArray* array, const char* function) {
+    return const_cast<oxArray&>(checkedArray(static_cast<const oxArray*>(array), function));
+}
+
+// Queries that read dimensions call this first: opaque dimensions are materialised
+// once, and concurrent callers wait for the first.
+inline void ensureDimensions(const oxArray& array) {
+    if ((array.flags.load(std::memory_order_acquire) & flag::OPAQUE_DIMENSIONS) != 0) [[unlikely]] {
+        completeOpaqueDimensions(array);
+    }
+}
+
+inline const oxArray& withDimensions(const oxArray* a, const char* function) {
+    const oxArray& array = checkedArray(a, function);
+    ensureDimensions(array);
+    return array;
+}
+
+inline bool allFlagsSet(const oxArray* a, const char* function, std::uint32_t bits) {
+    return (checkedArray(a, function).flags.load(std::memory_order_relaxed) & bits) == bits;
+}
+
+} // namespace detail
+
+inline oxClassID getClassID(const oxArray* a) { return detail::checkedArray(a, "matrix::getClassID").classId; }
+
+inline std::size_t getNumberOfDimensions(const oxArray* a) {
+    return detail::withDimensions(a, "matrix::getNumberOfDimensions").numberOfDimensions;
+}
+
+inline Dims getDimensions(const oxArray* a) {
+    const oxArray& array = detail::withDimensions(a, "matrix::getDimensions");
+    return {array.dimensions, array.numberOfDimensions};
+}
+
+inline std::size_t getNumberOfElements(const oxArray* a) {
+    return detail::withDimensions(a, "matrix::getNumberOfElements").numberOfElements;
+}
+
+inline bool isEmpty(const oxArray* a) { return detail::withDimensions(a, "matrix::isEmpty").numberOfElements == 0; }
+
+inline bool isScalar(const oxArray* a) { return detail::withDimensions(a, "matrix::isScalar").numberOfElements == 1; }
+
+inline bool isComplex(const oxArray* a) { return detail::allFlagsSet(a, "matrix::isComplex", detail::flag::COMPLEX); }
+
+inline bool isSparse(const oxArray* a) { return detail::allFlagsSet(a, "matrix::isSparse", detail::flag::SPARSE); }
+
+inline void* getData(oxArray* a) { return detail::checkedArray(a, "matrix::getData").data; }
+
+inline const void* getData(const oxArray* a) { return detail::checkedArray(a, "matrix::getData").data; }
+
+} // namespace matrix
