@@ -7,6 +7,8 @@
 
 #include <atomic>
 #include <cstdint>
+#include <limits>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -91,6 +93,11 @@ TEST_F(DataBlocks, TheCacheNeverHoldsMoreThanItsLimit) {
     doublesOfBytes(2 * MIB).reset();
     EXPECT_EQ(matrix::dataBlockStatistics().cachedBytes, 0u);
     EXPECT_EQ(matrix::dataBlockStatistics().peakCachedBytes, 0u);
+}
+
+TEST_F(DataBlocks, ASizeWhoseHugePagesCannotBeCountedIsRefused) {
+    EXPECT_THROW(matrix::detail::allocateData(std::numeric_limits<std::size_t>::max() - 100, 64), std::bad_alloc);
+    EXPECT_EQ(matrix::dataBlockStatistics().liveBlocks, 0u);
 }
 
 TEST_F(DataBlocks, ABlockGivenBackTwiceEndsTheProcess) {
