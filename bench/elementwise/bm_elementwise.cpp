@@ -3,20 +3,26 @@
 // plain loops that do the same arithmetic. Every run creates its output, as a builtin call
 // does, except the reuse pair, whose temporary input takes the result in place, and the
 // hypot pair, which measures how the parallel loop scales against the same loop forced
-// serial.
+// serial. A raw loop that writes a fresh output has two twins: one into a plain heap
+// block (small pages, faulted in on every run) and one into a fresh block on transparent
+// huge pages, as a careful hand-written program would allocate it.
 #include <builtin/builtinreg/ElementWiseInlineC.hpp>
 #include <builtin/builtinreg/MakeVariant.hpp>
 #include <builtin/builtinreg/MflBinaryDrivers.hpp>
+#include <builtin/builtinreg/MflBinaryLoops.hpp>
 
 #include <matrix/oxArray.hpp>
 
 #include <benchmark/benchmark.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -58,15 +64,36 @@ std::vector<double> filled(std::size_t n, double first) {
     return values;
 }
 
-// a + b over n x 1 arrays into a new output.
-template <class Loop>
-void plusInto(benchmark::State& state, const Loop& loop) {
+struct FreeBlock {
+    void operator()(double* data) const noexcept { std::free(data); }
+};
+using Doubles = std::unique_ptr<double[], FreeBlock>;
+
+// A fresh heap block: the allocator maps large ones anew, so their pages fault in on first write.
+Doubles heapDoubles(std::size_t n) { return Doubles(static_cast<double*>(std::malloc(n * sizeof(double)))); }
+
+// A fresh block of whole huge pages, advised for transparent huge pages.
+Doubles hugePageDoubles(std::size_t n) {
+    constexpr std::size_t huge = std::size_t{2} << 20;
+    const std::size_t bytes = (n * sizeof(double) + huge - 1) / huge * huge;
+    void* data = std::aligned_alloc(huge, bytes);
+    madvise(data, bytes, MADV_HUGEPAGE);
+    return Doubles(static_cast<double*>(data));
+}
+
+// a + b over n-element vectors into a fresh output from allocate.
+template <class Allocate>
+void rawPlusInto(benchmark::State& state, const Allocate& allocate) {
     const auto n = static_cast<std::size_t>(state.range(0));
     const std::vector<double> a = filled(n, 1);
     const std::vector<double> b = filled(n, 2);
     for (auto _ : state) {
-        matrix::ArrayPtr out = newDoubles(n, 1);
-        loop(a.data(), b.data(), matrix::getTypedData<double>(out.get()), n);
+        const Doubles out = allocate(n);
+        double* const o = out.get();
+        for (std::size_t i = 0; i < n; ++i) {
+            o[i] = a[i] + b[i];
+        }
+        benchmark::DoNotOptimize(o);
         benchmark::ClobberMemory();
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * n * 3 * sizeof(double)));
@@ -122,17 +149,13 @@ void BM_ElementWisePlusInlineC(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * n * 3 * sizeof(double)));
 }
 
-void BM_RawPlus(benchmark::State& state) {
-    plusInto(state, [](const double* a, const double* b, double* out, std::size_t n) {
-        for (std::size_t i = 0; i < n; ++i) {
-            out[i] = a[i] + b[i];
-        }
-    });
-}
+void BM_RawPlus(benchmark::State& state) { rawPlusInto(state, heapDoubles); }
+void BM_RawPlusHugePages(benchmark::State& state) { rawPlusInto(state, hugePageDoubles); }
 
 BENCHMARK(BM_ElementWisePlus)->Arg(10000)->Arg(1000000)->Arg(10000000)->UseRealTime();
 BENCHMARK(BM_ElementWisePlusInlineC)->Arg(10000)->Arg(1000000)->Arg(10000000)->UseRealTime();
 BENCHMARK(BM_RawPlus)->Arg(10000)->Arg(1000000)->Arg(10000000)->UseRealTime();
+BENCHMARK(BM_RawPlusHugePages)->Arg(1000000)->Arg(10000000)->UseRealTime();
 
 // A temporary first input takes the result in place: no output is allocated. The engine
 // calls the variant's generic entry, whose loops see plus.
@@ -185,40 +208,56 @@ void BM_ElementWiseBroadcast(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * n * n * sizeof(double)));
 }
 
-void BM_RawBroadcast(benchmark::State& state) {
+// a[i] + b[j] into a fresh column-major n x n output from allocate.
+template <class Allocate>
+void rawBroadcastInto(benchmark::State& state, const Allocate& allocate) {
     const auto n = static_cast<std::size_t>(state.range(0));
     const std::vector<double> a = filled(n, 1);
     const std::vector<double> b = filled(n, 2);
     for (auto _ : state) {
-        matrix::ArrayPtr out = newDoubles(n, n);
-        double* const o = matrix::getTypedData<double>(out.get());
+        const Doubles out = allocate(n * n);
+        double* const o = out.get();
         for (std::size_t j = 0; j < n; ++j) {
             for (std::size_t i = 0; i < n; ++i) {
                 o[j * n + i] = a[i] + b[j];
             }
         }
+        benchmark::DoNotOptimize(o);
         benchmark::ClobberMemory();
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * n * n * sizeof(double)));
 }
 
+void BM_RawBroadcast(benchmark::State& state) { rawBroadcastInto(state, heapDoubles); }
+void BM_RawBroadcastHugePages(benchmark::State& state) { rawBroadcastInto(state, hugePageDoubles); }
+
 BENCHMARK(BM_ElementWiseBroadcast)->Arg(3000)->UseRealTime();
 BENCHMARK(BM_RawBroadcast)->Arg(3000)->UseRealTime();
+BENCHMARK(BM_RawBroadcastHugePages)->Arg(3000)->UseRealTime();
 
-// hypot over n x 1 arrays into one output kept across runs, so that only the loop counts.
-template <std::size_t Threshold>
-void elementWiseHypot(benchmark::State& state) {
+// run(a, b, out, n) over n-element inputs into one output kept across runs, so that only
+// the loop counts.
+template <class Run>
+void intoKeptOutput(benchmark::State& state, const Run& run) {
     const auto n = static_cast<std::size_t>(state.range(0));
     const std::vector<double> a = filled(n, 1);
     const std::vector<double> b = filled(n, 2);
     std::vector<double> out(n);
-    bool raised = false;
-    const MflFunctor<double, double, double> functor{Threshold, nullptr, &hypotDescriptor, &raised};
-    const std::size_t dims[2] = {n, 1};
     for (auto _ : state) {
-        binaryDriver<double>()(a.data(), b.data(), out.data(), n, 2, dims, n, 2, dims, n, 2, dims, functor);
+        run(a.data(), b.data(), out.data(), n);
         benchmark::ClobberMemory();
     }
+}
+
+// hypot over n x 1 arrays through the engine's descriptor.
+template <std::size_t Threshold>
+void elementWiseHypot(benchmark::State& state) {
+    bool raised = false;
+    const MflFunctor<double, double, double> functor{Threshold, nullptr, &hypotDescriptor, &raised};
+    intoKeptOutput(state, [&](const double* a, const double* b, double* out, std::size_t n) {
+        const std::size_t dims[2] = {n, 1};
+        binaryDriver<double>()(a, b, out, n, 2, dims, n, 2, dims, n, 2, dims, functor);
+    });
 }
 
 void BM_ElementWiseHypotParallel(benchmark::State& state) { elementWiseHypot<PARALLEL_THRESHOLD>(state); }
@@ -226,5 +265,34 @@ void BM_ElementWiseHypotSerial(benchmark::State& state) { elementWiseHypot<SERIA
 
 BENCHMARK(BM_ElementWiseHypotParallel)->Arg(10000000)->UseRealTime();
 BENCHMARK(BM_ElementWiseHypotSerial)->Arg(10000000)->UseRealTime();
+
+// Where two cores start to beat one: a + b over n elements that stay in cache, through the
+// broadcasting loops with plus inlined as invoke's path has it, every size parallel against
+// every size serial. invoke's threshold is the smallest size at which the ratio drops below 1.
+struct PlusFunctor {
+    std::size_t threshold;
+    struct Kernel {
+        double operator()(double a, double b) const { return a + b; }
+        void finish() const noexcept {}
+    };
+    template <class Body>
+    void withKernel(Body&& body) const {
+        body(Kernel{});
+    }
+};
+
+template <std::size_t Threshold>
+void inCachePlus(benchmark::State& state) {
+    const PlusFunctor functor{Threshold};
+    intoKeptOutput(state, [&](const double* a, const double* b, double* out, std::size_t n) {
+        mfl_binary::binaryOpSimpleParallelLoop(a, b, out, n, functor);
+    });
+}
+
+void BM_InCachePlusParallel(benchmark::State& state) { inCachePlus<0>(state); }
+void BM_InCachePlusSerial(benchmark::State& state) { inCachePlus<SERIAL>(state); }
+
+BENCHMARK(BM_InCachePlusParallel)->RangeMultiplier(2)->Range(std::int64_t{1} << 12, std::int64_t{1} << 18)->UseRealTime();
+BENCHMARK(BM_InCachePlusSerial)->RangeMultiplier(2)->Range(std::int64_t{1} << 12, std::int64_t{1} << 18)->UseRealTime();
 
 } // namespace

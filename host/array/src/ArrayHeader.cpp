@@ -1,6 +1,7 @@
 #include "ArrayHeader.hpp"
 
 #include "ClassTraits.hpp"
+#include "DataBlocks.hpp"
 
 #include <algorithm>
 #include <limits>
@@ -77,7 +78,7 @@ oxArray* allocateArray(Dims dimensions, oxClassID classId, std::uint32_t flags, 
     if (dataBytes > INLINE_DATA_BYTES) {
         const std::size_t rounded = (dataBytes + DATA_ALIGNMENT - 1) / DATA_ALIGNMENT * DATA_ALIGNMENT;
         try {
-            array->data = ::operator new(rounded, std::align_val_t{DATA_ALIGNMENT});
+            array->data = allocateData(rounded, DATA_ALIGNMENT);
         } catch (...) {
             if (array->dimensions != array->inlineDimensions) delete[] array->dimensions;
             throw;
@@ -104,7 +105,7 @@ oxArray* allocateScalar(oxClassID classId, std::uint32_t flags) {
 void freeArray(oxArray* array) {
     const bool ownsSeparateData = array->data != nullptr && array->data != array->inlineData &&
                                   (array->extras == nullptr || !array->extras->dataOwner);
-    if (ownsSeparateData) ::operator delete(array->data, std::align_val_t{DATA_ALIGNMENT});
+    if (ownsSeparateData) freeData(array->data, DATA_ALIGNMENT);
     if (array->dimensions != array->inlineDimensions) delete[] array->dimensions;
     delete array->extras;
     delete array;

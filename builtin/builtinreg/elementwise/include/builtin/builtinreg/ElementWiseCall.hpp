@@ -1,7 +1,7 @@
 // Runs a developer function element-wise for invoke's generic entry: the function is a
 // template argument of the kernel, so the compiler sees it inside the broadcasting loops
-// and can vectorise them. Outputs of more than ELEMENT_WISE_PARALLEL_THRESHOLD elements
-// run on oneTBB's workers; warnings raised there through a CallContext, and the first
+// and can vectorise them. Outputs of more than INVOKE_PARALLEL_THRESHOLD elements run on
+// oneTBB's workers; warnings raised there through a CallContext, and the first
 // exception, are collected by a ParallelEnvironment and replayed on the calling thread.
 #pragma once
 
@@ -25,6 +25,11 @@
 #include <vector>
 
 namespace Velloc::builtin::builtinreg::detail {
+
+// The smallest output for which two cores beat one on a vectorised loop in cache
+// (BM_InCachePlusParallel against BM_InCachePlusSerial): below it, waking a worker costs
+// more than the half of the loop it would take.
+inline constexpr std::size_t INVOKE_PARALLEL_THRESHOLD = std::size_t{1} << 15;
 
 // The parent of the workers' ParallelEnvironment: replayed warnings go to the call's
 // CallContext, so that the call reports them; a replayed exception is kept for
@@ -117,7 +122,7 @@ Parameter runElementWise(CallContext& context, const Parameter* parameters, Elem
     ContextEnvironment parent(context);
     {
         ParallelEnvironment workers(&parent, nullptr);
-        const DeveloperFunctor<R, Element, A...> f{ELEMENT_WISE_PARALLEL_THRESHOLD, &workers, element};
+        const DeveloperFunctor<R, Element, A...> f{INVOKE_PARALLEL_THRESHOLD, &workers, element};
         if constexpr (N == 1) {
             const auto& in = std::get<0>(operands);
             mfl_unary::unaryOpLoop(in.data(), result, count, count <= f.threshold, mfl_binary::MAX_GRAIN, f);

@@ -1,0 +1,16 @@
+// Where array data lives when it does not fit inline in the header.
+#pragma once
+
+#include <cstddef>
+
+namespace matrix::detail {
+
+// `bytes` (> 0) of uninitialised data aligned to `alignment`; blocks of
+// LARGE_BLOCK_BYTES or more come aligned to a huge page, from the cache when it holds
+// one of the same capacity.
+void* allocateData(std::size_t bytes, std::size_t alignment);
+// Takes back what allocateData gave with the same alignment; large blocks go to the cache
+// while it has room. A large block given back twice ends the process.
+void freeData(void* data, std::size_t alignment) noexcept;
+
+} // namespace matrix::detail
