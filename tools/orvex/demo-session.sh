@@ -3,7 +3,8 @@
 # warning, an error, a boxed scalar function, a builtin that calls the language, calls
 # made the way compiled code makes them, no-match reports, an explanation, lint, a builtin
 # that is not safe for several language instances, and a script with operators, ranges,
-# indexing, an engine object and statistics.
+# indexing, an engine object and statistics, and a library unloaded and loaded again
+# during a session.
 # Usage: demo-session.sh PATH_TO_ORVEX
 orvex=$1
 
@@ -68,3 +69,16 @@ v = b.values()
 b.missing()'
 printf '\n$ orvex --stats <<EOF\n%s\nEOF\n' "$statements"
 "$orvex" --stats <<<"$statements" || printf '(exit code %d)\n' "$?"
+
+# A defining library that goes and comes back while the session runs: once unloaded, its
+# builtins answer again once it is loaded from its bundle directory, and are unrecognized
+# while it is unloaded.
+modules=$(dirname "$orvex")/../modules
+statements="x = plus(1, 2)
+unload samplelib
+load $modules/samplelib
+y = plus(x, 1)
+unload samplelib
+z = plus(y, 1)"
+printf '\n$ orvex <<EOF\n%s\nEOF\n' "$statements"
+"$orvex" <<<"$statements" || printf '(exit code %d)\n' "$?"

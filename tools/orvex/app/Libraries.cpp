@@ -1,7 +1,6 @@
 #include "Libraries.hpp"
 
 #include <builtin/builtinreg/Explain.hpp>
-#include <builtin/services/IBuiltinLibrary.hpp>
 #include <builtin/services/findService.hpp>
 
 #include <foundation/cppmicroservices/framework.hpp>
@@ -16,7 +15,7 @@ std::filesystem::path defaultBundleDirectory() {
     return foundation::filesystem::getInstallRoot() / "modules";
 }
 
-std::vector<LoadedBuiltin> loadBuiltins(const std::filesystem::path& directory) {
+TrackedLibraries::TrackedLibraries(const std::filesystem::path& directory) {
     // The host's own services first: defining libraries rely on them.
     Velloc::builtin::builtinreg::loadBuiltinServices();
     foundation::cppmicroservices::installAndStart(directory, "");
@@ -24,17 +23,22 @@ std::vector<LoadedBuiltin> loadBuiltins(const std::filesystem::path& directory) 
     if (!framework) {
         throw std::runtime_error("the module framework did not start");
     }
-    auto context = framework->GetBundleContext();
-    std::vector<LoadedBuiltin> builtins;
-    for (const auto& reference : context.GetServiceReferences<Velloc::builtin::IBuiltinLibrary>()) {
-        const auto library = context.GetServiceObjects(reference).GetService();
+    tracker_ = std::make_unique<cppmicroservices::ServiceTracker<Velloc::builtin::IBuiltinLibrary>>(
+        framework->GetBundleContext());
+    tracker_->Open();
+}
+
+std::shared_ptr<const LibrarySnapshot> TrackedLibraries::snapshot() const {
+    auto snapshot = std::make_shared<LibrarySnapshot>();
+    snapshot->leases = tracker_->GetServices();
+    for (const auto& library : snapshot->leases) {
         for (const Velloc::builtin::BuiltinFcn* builtin : library->getBuiltins()) {
-            builtins.push_back({library->getLibraryName(), builtin});
+            snapshot->builtins.push_back({library->getLibraryName(), builtin});
         }
     }
-    std::sort(builtins.begin(), builtins.end(),
+    std::sort(snapshot->builtins.begin(), snapshot->builtins.end(),
               [](const LoadedBuiltin& a, const LoadedBuiltin& b) { return a.builtin->name < b.builtin->name; });
-    return builtins;
+    return snapshot;
 }
 
 const Velloc::builtin::BuiltinFcn* findBuiltin(const std::vector<LoadedBuiltin>& builtins, std::string_view name) {

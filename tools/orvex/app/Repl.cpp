@@ -23,12 +23,12 @@ struct FreeLine {
 
 } // namespace
 
-int runInteractive(const std::vector<LoadedBuiltin>& builtins) {
-    std::cout << "orvex: " << builtins.size() << " builtins loaded; `help NAME` describes one, `exit` leaves.\n";
+int runInteractive(const TrackedLibraries& libraries) {
+    std::cout << "orvex: " << libraries.snapshot()->builtins.size() << " builtins loaded; `help NAME` describes one, `exit` leaves.\n";
     // Warnings print where they happen, between the statement and its result.
     const auto previous = matrix::setWarningHandler(
         [](const fl::ustring& message) { std::cout << "Warning: " << fl::i18n::ustring_to_utf8(message) << '\n'; });
-    Session session(builtins, std::cout);
+    Session session(libraries, std::cout);
     while (true) {
         const std::unique_ptr<char, FreeLine> line(readline(">> "));
         if (line == nullptr) {

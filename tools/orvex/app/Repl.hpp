@@ -10,6 +10,6 @@
 namespace orvex {
 
 // Reads from the terminal until `exit` or end of input; returns 0.
-int runInteractive(const std::vector<LoadedBuiltin>& builtins);
+int runInteractive(const TrackedLibraries& libraries);
 
 } // namespace orvex

@@ -1,6 +1,7 @@
 #include "Session.hpp"
 
 #include "Commands.hpp"
+#include "LibraryCommands.hpp"
 #include "StatementError.hpp"
 #include "Suggestions.hpp"
 
@@ -77,11 +78,34 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-Session::Session(const std::vector<LoadedBuiltin>& builtins, std::ostream& out) : builtins_(builtins), out_(out) {}
+Session::Session(const std::vector<LoadedBuiltin>& builtins, std::ostream& out) : builtins_(&builtins), out_(out) {}
+
+Session::Session(const TrackedLibraries& libraries, std::ostream& out)
+    : libraries_(&libraries), snapshot_(libraries.snapshot()), generation_(libraries.generation()), out_(out) {
+    builtins_ = &snapshot_->builtins;
+}
+
+// Takes the libraries as they are now when one came or went since the last statement.
+void Session::followLibraries() {
+    if (libraries_ != nullptr && libraries_->generation() != generation_) {
+        generation_ = libraries_->generation();
+        snapshot_ = libraries_->snapshot();
+        builtins_ = &snapshot_->builtins;
+    }
+}
 
 bool Session::run(std::string_view statement) {
     statement_ = statement;
+    followLibraries();
     try {
+        if (statement == "list") {
+            listBuiltins(*builtins_, out_);
+            return true;
+        }
+        if (libraries_ != nullptr && runLibraryCommand(statement, *builtins_, out_)) {
+            followLibraries();
+            return true;
+        }
         if (statement == "help" || statement.starts_with("help ")) {
             help(trimmed(statement.substr(4)));
             return true;
@@ -283,12 +307,12 @@ matrix::ArrayPtr Session::invoke(const BuiltinFcn& builtin, const Arrays& argume
 }
 
 const BuiltinFcn* Session::findBuiltin(std::string_view name) const {
-    return orvex::findBuiltin(builtins_, name);
+    return orvex::findBuiltin(*builtins_, name);
 }
 
 void Session::help(std::string_view name) {
     if (name.empty()) {
-        listBuiltins(builtins_, out_);
+        listBuiltins(*builtins_, out_);
         return;
     }
     const BuiltinFcn* builtin = findBuiltin(name);
@@ -307,7 +331,7 @@ void Session::help(std::string_view name) {
 
 void Session::unrecognized(std::string_view name, std::size_t column) const {
     std::vector<std::string> known;
-    for (const LoadedBuiltin& loaded : builtins_) {
+    for (const LoadedBuiltin& loaded : *builtins_) {
         known.push_back(loaded.builtin->name);
     }
     for (const auto& [variable, array] : variables_) {
@@ -357,7 +381,7 @@ private:
 
 } // namespace
 
-int runScript(const std::vector<LoadedBuiltin>& builtins, std::istream& in, std::ostream& out) {
+int runScript(const TrackedLibraries& libraries, std::istream& in, std::ostream& out) {
     // Warnings print where they happen, between the statement and its result.
     const auto previous = matrix::setWarningHandler(
         [&](const fl::ustring& message) { out << "Warning: " << fl::i18n::ustring_to_utf8(message) << '\n'; });
@@ -367,7 +391,7 @@ int runScript(const std::vector<LoadedBuiltin>& builtins, std::istream& in, std:
         lines.push_back(std::move(line));
     }
     const Progress progress(lines.size());
-    Session session(builtins, out);
+    Session session(libraries, out);
     for (std::size_t number = 1; number <= lines.size(); ++number) {
         progress.at(number);
         const std::string_view statement = trimmed(lines[number - 1]);

@@ -11,6 +11,8 @@
 //     z = x + 1;                             a ';' at the end keeps the result quiet
 //     help plus                              what a builtin does and the variants it has
 //     help                                   every builtin
+//     list                                   every builtin, with its library
+//     unload samplelib, load modules/samplelib   libraries that come and go (LibraryCommands.hpp)
 //
 // Each operator calls the builtin of its name in the loaded libraries: + plus, - minus,
 // .* times, ./ rdivide, .^ power, unary - uminus and + uplus, a:b and a:s:b colon; and
@@ -29,6 +31,7 @@
 
 #include <iosfwd>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,7 +40,10 @@ namespace orvex {
 
 class Session {
 public:
+    // A session over a fixed list of builtins.
     Session(const std::vector<LoadedBuiltin>& builtins, std::ostream& out);
+    // A session over the libraries loaded at each statement, which may load and unload them.
+    Session(const TrackedLibraries& libraries, std::ostream& out);
 
     // Runs one statement and prints its result or its error; false when it failed.
     bool run(std::string_view statement);
@@ -66,8 +72,13 @@ private:
     void help(std::string_view name);
     [[noreturn]] void unrecognized(std::string_view name, std::size_t column) const;
     std::size_t columnOf(std::string_view part) const;
+    void followLibraries();
 
-    const std::vector<LoadedBuiltin>& builtins_;
+    const std::vector<LoadedBuiltin>* builtins_;
+    const TrackedLibraries* libraries_ = nullptr;
+    // Holds the libraries builtins_ points into while a statement calls them.
+    std::shared_ptr<const LibrarySnapshot> snapshot_;
+    int generation_ = 0;
     std::ostream& out_;
     std::map<std::string, matrix::ArrayPtr, std::less<>> variables_;
     std::string_view statement_;
@@ -79,6 +90,6 @@ std::string_view trimmed(std::string_view text);
 // Runs the statements of a script, one per line (blank lines and lines starting with %
 // are skipped), echoing each; stops at the first that fails. Returns 1 then, naming the
 // line, else 0.
-int runScript(const std::vector<LoadedBuiltin>& builtins, std::istream& in, std::ostream& out);
+int runScript(const TrackedLibraries& libraries, std::istream& in, std::ostream& out);
 
 } // namespace orvex

@@ -68,7 +68,9 @@ int run(std::vector<std::string> args) {
         std::cerr << USAGE;
         return 2;
     }
-    const auto builtins = orvex::loadBuiltins(bundles);
+    const orvex::TrackedLibraries libraries(bundles);
+    const auto snapshot = libraries.snapshot();
+    const std::vector<orvex::LoadedBuiltin>& builtins = snapshot->builtins;
     const orvex::Language language(builtins);
     if (!isCommand) {
         std::ifstream file;
@@ -80,8 +82,8 @@ int run(std::vector<std::string> args) {
             }
         }
         const int status = args.empty() && isatty(STDIN_FILENO) != 0
-                               ? orvex::runInteractive(builtins)
-                               : orvex::runScript(builtins, args.empty() ? std::cin : file, std::cout);
+                               ? orvex::runInteractive(libraries)
+                               : orvex::runScript(libraries, args.empty() ? std::cin : file, std::cout);
         if (stats) {
             stats->print(std::cout);
         }

@@ -1,0 +1,72 @@
+// Threads call a builtin of the sample library while another thread stops and starts the
+// library's bundle over and over. Each call either finds the builtin among the libraries
+// tracked when it looked and runs it to the right answer (the snapshot keeps the library
+// alive until the call returns), or finds no such builtin; nothing else may happen.
+#include "Libraries.hpp"
+
+#include <foundation/cppmicroservices/framework.hpp>
+#include <matrix/oxArray.hpp>
+#include <orvex/formatArray.hpp>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr int CALLERS = 3;
+constexpr int CYCLES = 1000;
+
+cppmicroservices::Bundle bundleNamed(const std::string& name) {
+    for (const auto& bundle : foundation::cppmicroservices::getFramework()->GetBundleContext().GetBundles()) {
+        if (bundle.GetSymbolicName() == name) {
+            return bundle;
+        }
+    }
+    return {};
+}
+
+TEST(LibrariesComeAndGo, CallsFinishOrFindNothingWhileTheBundleStopsAndStarts) {
+    const orvex::TrackedLibraries libraries(SAMPLELIB_BUNDLE);
+    cppmicroservices::Bundle bundle = bundleNamed("samplelib");
+    ASSERT_TRUE(bundle);
+
+    std::atomic<bool> cycling{true};
+    std::atomic<int> ran{0};
+    std::atomic<int> missed{0};
+    std::vector<std::jthread> callers;
+    for (int t = 0; t < CALLERS; ++t) {
+        callers.emplace_back([&] {
+            const matrix::ArrayPtr one(matrix::createScalar(1.0));
+            const matrix::ArrayPtr two(matrix::createScalar(2.0));
+            oxArray* arguments[2] = {one.get(), two.get()};
+            while (cycling.load()) {
+                const auto snapshot = libraries.snapshot();
+                const auto* plus = orvex::findBuiltin(snapshot->builtins, "plus");
+                if (plus == nullptr) {
+                    missed.fetch_add(1);
+                    continue;
+                }
+                oxArray* result = nullptr;
+                orvex::invokeBuiltin(*plus, 1, &result, 2, arguments);
+                const matrix::ArrayPtr owned(result);
+                EXPECT_EQ(orvex::formatArray(owned.get()), "3");
+                ran.fetch_add(1);
+            }
+        });
+    }
+    for (int cycle = 0; cycle < CYCLES; ++cycle) {
+        bundle.Stop();
+        bundle.Start();
+    }
+    cycling.store(false);
+    callers.clear();
+
+    EXPECT_GT(ran.load(), 0);
+    const auto snapshot = libraries.snapshot();
+    EXPECT_NE(orvex::findBuiltin(snapshot->builtins, "plus"), nullptr);
+}
+
+} // namespace
