@@ -26,7 +26,7 @@ double plusDouble(double a, double b) { return a + b; }
 float plusSingle(float a, float b) { return a + b; }
 std::int32_t plusInt32(std::int32_t a, std::int32_t b) { return a + b; }
 oxArray* fallback(const oxArray* a, const oxArray*) {
-    return matrix::createScalar<double>(1000.0 * matrix::getClassID(a) + double(matrix::getNumberOfElements(a)));
+    return matrix::createScalar<double>(1000.0 * static_cast<int>(matrix::getClassID(a)) + double(matrix::getNumberOfElements(a)));
 }
 
 const BuiltinVariantLists& mixedLists() {
