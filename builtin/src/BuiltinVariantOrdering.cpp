@@ -146,8 +146,10 @@ bool BuiltinVariant::operator<(const BuiltinVariant& other) const {
 
 VariantSignature::VariantSignature(std::uint64_t nlhs, std::uint64_t nrhs, oxArray* const* prhs)
     : nlhs_(nlhs), nrhs_(nrhs), prhs_(prhs), keys_(nrhs, boost::container::default_init) {
+    // A signature without handles is compared by its counts alone, as when lists are searched
+    // by arity: its keys stay those of a missing input.
     for (std::uint64_t i = 0; i < nrhs; ++i) {
-        keys_[i] = types::InputKey::of(prhs[i]);
+        keys_[i] = types::InputKey::of(prhs != nullptr ? prhs[i] : nullptr);
     }
 }
 
