@@ -5,6 +5,7 @@ same run) from the combined Google Benchmark JSON, printed as a table and drawn 
 Ratios rather than times, because absolute times on shared machines are noise. The table is
 printed even when gnuplot is missing or fails: a plot never stops a benchmark run."""
 import json
+import re
 import shutil
 import subprocess
 import sys
@@ -49,13 +50,17 @@ PAIRS = [
 ]
 
 
+# What Google Benchmark appends to a name for a benchmark's own repetitions and timers.
+DECORATIONS = re.compile(r"/(repeats:\d+|process_time|real_time)")
+
+
 def median_times(runs):
     """real_time per benchmark: the median when the run was repeated, the single run otherwise."""
     times = {}
     for run in runs:
         if run.get("aggregate_name", "median") != "median":
             continue
-        name = run.get("run_name", run["name"]).replace("/real_time", "")
+        name = DECORATIONS.sub("", run.get("run_name", run["name"]))
         times[name] = run["real_time"] * {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run.get("time_unit", "ns")]
     return times
 
