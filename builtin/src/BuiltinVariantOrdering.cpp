@@ -69,7 +69,7 @@ bool acceptsEveryInputElementWise(const BuiltinVariant& variant, const VariantSi
 
 // The first position at which the lists differ decides.
 template <class TypeAt>
-bool lexicographicallyLess(const std::vector<types::ArgType>& left, std::size_t count, TypeAt right) {
+bool lexicographicallyLess(const SharedArray<types::ArgType>& left, std::size_t count, TypeAt right) {
     for (std::size_t i = 0; i < count; ++i) {
         const types::ArgType& r = right(i);
         if (!(left[i] == r)) {
