@@ -121,7 +121,7 @@ const BuiltinFcn& sixteenBuiltin() {
 void BM_InvokeSixteenVariantsLastMatches(benchmark::State& state) {
     const BuiltinFcn& f = sixteenBuiltin();
     if (f.getSearchedByInvokeNoLxe().size() != 16 ||
-        f.getSearchedByInvokeNoLxe().back().cppFunctionName.find("anyPair") == std::string::npos) {
+        f.getSearchedByInvokeNoLxe().back().cppFunctionName.str().find("anyPair") == std::string::npos) {
         state.SkipWithError("the list is not sixteen variants with the host-array one last");
         return;
     }

@@ -13,15 +13,6 @@ namespace {
 using types::ArgTypeDirection;
 using types::LxeSupportLevel;
 
-std::vector<std::string> typeTexts(const std::vector<types::ArgType>& argTypes, ArgTypeDirection direction) {
-    std::vector<std::string> texts;
-    texts.reserve(argTypes.size());
-    for (std::size_t i = 0; i < argTypes.size(); ++i) {
-        texts.push_back(types::toString(argTypes[i], direction, i));
-    }
-    return texts;
-}
-
 bool declaresBehaviour(const BuiltinVariant& v) {
     return v.mayHaveSideEffects || v.mayCallIntoOrvex || v.mayRaiseWarnings || v.mayThrowErrors;
 }
@@ -29,11 +20,11 @@ bool declaresBehaviour(const BuiltinVariant& v) {
 } // namespace
 
 BuiltinVariant::BuiltinVariant(void* developerFcn, lxe::LxeFunctionDescriptor functionDescriptor,
-                               std::vector<types::ArgType> inputArgTypes,
-                               std::vector<types::ArgType> outputArgTypes, CallsIntoOrvex callsIntoOrvex,
+                               SharedArray<types::ArgType> inputArgTypes,
+                               SharedArray<types::ArgType> outputArgTypes, CallsIntoOrvex callsIntoOrvex,
                                HasWarnings hasWarnings, HasExceptions hasExceptions,
-                               HasSideEffects hasSideEffects, std::string cppFunctionName,
-                               std::string orvexFunctionName, std::string dominantClass,
+                               HasSideEffects hasSideEffects, InternedText cppFunctionName,
+                               InternedText orvexFunctionName, InternedText dominantClass,
                                IsElementWise isElementWise)
     : functionDescriptor(functionDescriptor),
       developerFcn(developerFcn),
@@ -62,8 +53,8 @@ BuiltinVariant::BuiltinVariant(void* developerFcn, lxe::LxeFunctionDescriptor fu
             "Velloc::builtin::BuiltinVariant::HasExceptions, Velloc::builtin::BuiltinVariant::HasSideEffects, "
             "std::string, std::string, std::string, Velloc::builtin::BuiltinVariant::IsElementWise)");
     }
-    inputTypes = typeTexts(this->inputArgTypes, ArgTypeDirection::INPUT);
-    outputTypes = typeTexts(this->outputArgTypes, ArgTypeDirection::OUTPUT);
+    inputTypes = builtinreg::detail::typeTexts(this->inputArgTypes, ArgTypeDirection::INPUT);
+    outputTypes = builtinreg::detail::typeTexts(this->outputArgTypes, ArgTypeDirection::OUTPUT);
     lxeSupportLevel = builtinreg::detail::supportLevelOfTypes(
         mayCallIntoOrvex ? LxeSupportLevel::NO_SUPPORT : LxeSupportLevel::EQUIVALENT_SUPPORT, *this);
     // The engine cannot replay per-element behaviour of an element-wise call.
@@ -79,6 +70,15 @@ void swap(BuiltinVariant& a, BuiltinVariant& b) noexcept {
 }
 
 namespace builtinreg::detail {
+
+SharedArray<InternedText> typeTexts(std::span<const types::ArgType> argTypes, ArgTypeDirection direction) {
+    std::vector<InternedText> texts;
+    texts.reserve(argTypes.size());
+    for (std::size_t i = 0; i < argTypes.size(); ++i) {
+        texts.push_back(types::toString(argTypes[i], direction, i));
+    }
+    return texts;
+}
 
 bool isUnsupportedBuiltinVariant(const BuiltinVariant& variant) {
     const auto unsupported = [](const types::ArgType& type) {

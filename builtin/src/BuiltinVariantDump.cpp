@@ -7,7 +7,7 @@ namespace Velloc::builtin {
 
 namespace {
 
-void writeTypeList(std::ostream& out, const std::vector<std::string>& texts) {
+void writeTypeList(std::ostream& out, const SharedArray<InternedText>& texts) {
     if (texts.empty()) {
         out << "NULL" << std::endl;
         return;

@@ -67,13 +67,17 @@ bool acceptsEveryInputElementWise(const BuiltinVariant& variant, const VariantSi
     return true;
 }
 
-// The first position at which the lists differ decides.
+// The first position at which the lists differ decides. Types are equal when neither is
+// less, so two comparisons per position tell all three cases apart.
 template <class TypeAt>
-bool lexicographicallyLess(const std::vector<types::ArgType>& left, std::size_t count, TypeAt right) {
+bool lexicographicallyLess(const SharedArray<types::ArgType>& left, std::size_t count, TypeAt right) {
     for (std::size_t i = 0; i < count; ++i) {
         const types::ArgType& r = right(i);
-        if (!(left[i] == r)) {
-            return left[i] < r;
+        if (left[i] < r) {
+            return true;
+        }
+        if (r < left[i]) {
+            return false;
         }
     }
     return false;

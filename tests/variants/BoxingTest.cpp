@@ -47,7 +47,7 @@ TEST(Boxing, EachInputListMakesACopyWithItsOwnTypesAndLevel) {
 TEST(BoxingDeathTest, InconsistentBoxingEndsTheProcessOnlyWhenArmed) {
     const BuiltinVariant original = variant({anyArray(), anyArray()}, {anyArray()});
     BuiltinVariant shorter = original;
-    shorter.inputTypes.pop_back();
+    shorter.inputTypes = {shorter.inputTypes.begin(), shorter.inputTypes.end() - 1};
     foundation::core::diag::setTerminationsArmed(false);
     detail::assertBoxingVariantConsistent(shorter, original);
     foundation::core::diag::setTerminationsArmed(true);

@@ -50,10 +50,7 @@ BuiltinVariant boxingOf(const BuiltinVariant& original, std::vector<ArgType> inp
     BuiltinVariant boxed = original;
     boxed.originalVariant = std::make_shared<const BuiltinVariant>(original);
     boxed.inputArgTypes = std::move(inputs);
-    boxed.inputTypes.clear();
-    for (std::size_t i = 0; i < boxed.inputArgTypes.size(); ++i) {
-        boxed.inputTypes.push_back(types::toString(boxed.inputArgTypes[i], types::ArgTypeDirection::INPUT, i));
-    }
+    boxed.inputTypes = Velloc::builtin::builtinreg::detail::typeTexts(boxed.inputArgTypes, types::ArgTypeDirection::INPUT);
     boxed.lxeSupportLevel = Velloc::builtin::builtinreg::detail::supportLevelOfTypes(LxeSupportLevel::EQUIVALENT_SUPPORT, boxed);
     return boxed;
 }

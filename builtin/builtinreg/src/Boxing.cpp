@@ -37,11 +37,7 @@ void fillBoxedVariants(const BuiltinVariant& original, std::vector<BuiltinVarian
         BuiltinVariant boxed(original);
         boxed.inputArgTypes = std::move(inputs);
         inputs.clear();
-        boxed.inputTypes.clear();
-        boxed.inputTypes.reserve(boxed.inputArgTypes.size());
-        for (std::size_t i = 0; i < boxed.inputArgTypes.size(); ++i) {
-            boxed.inputTypes.push_back(types::toString(boxed.inputArgTypes[i], types::ArgTypeDirection::INPUT, i));
-        }
+        boxed.inputTypes = typeTexts(boxed.inputArgTypes, types::ArgTypeDirection::INPUT);
         boxed.lxeSupportLevel = supportLevelOfTypes(types::LxeSupportLevel::EQUIVALENT_SUPPORT, boxed);
         out.push_back(std::move(boxed));
     }

@@ -17,7 +17,9 @@ std::vector<std::string> argumentTypesOf(const VariantSignature& call) {
     return types;
 }
 
-std::string joined(const std::vector<std::string>& texts) {
+// Argument descriptions or a variant's input texts.
+template <class Texts>
+std::string joined(const Texts& texts) {
     std::string out;
     for (std::size_t i = 0; i < texts.size(); ++i) {
         out += (i == 0 ? "" : ", ") + texts[i];

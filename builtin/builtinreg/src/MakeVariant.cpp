@@ -25,7 +25,7 @@ void finishVariants(std::vector<BuiltinVariant>& variants, std::size_t first, co
 
 std::vector<types::ArgType> boxedInputTypes(const BuiltinVariant& original) {
     using types::OxArrayTypes;
-    std::vector<types::ArgType> inputs = original.inputArgTypes;
+    std::vector<types::ArgType> inputs(original.inputArgTypes.begin(), original.inputArgTypes.end());
     bool boxes = false;
     for (types::ArgType& input : inputs) {
         if (const auto* scalar = std::get_if<types::NumericScalarTypes>(&input)) {

@@ -13,7 +13,7 @@ namespace {
 
 // Inputs and the identity of the original: what a caller can tell two variants apart by.
 struct ReachKey {
-    const std::vector<types::ArgType>* inputs;
+    const SharedArray<types::ArgType>* inputs;
     const BuiltinVariant* original;
 
     friend bool operator==(const ReachKey& a, const ReachKey& b) {

@@ -38,13 +38,20 @@ void sortFlags(FlagSpecification& flags) {
 }
 
 void addFlagInputTypes(BuiltinVariant& variant, const FlagSpecification& flags) {
+    if (flags.empty()) {
+        return;
+    }
+    // The other texts keep the positions they were made with.
+    std::vector<InternedText> texts(variant.inputTypes.begin(), variant.inputTypes.end());
+    std::vector<types::ArgType> inputs(variant.inputArgTypes.begin(), variant.inputArgTypes.end());
     for (const auto& [position, text] : flags) {
         types::ArgType flag = types::FlagInputType(text);
-        variant.inputTypes.insert(variant.inputTypes.begin() + static_cast<std::ptrdiff_t>(position),
-                                  types::toString(flag, types::ArgTypeDirection::INPUT, position));
-        variant.inputArgTypes.insert(variant.inputArgTypes.begin() + static_cast<std::ptrdiff_t>(position),
-                                     std::move(flag));
+        texts.insert(texts.begin() + static_cast<std::ptrdiff_t>(position),
+                     types::toString(flag, types::ArgTypeDirection::INPUT, position));
+        inputs.insert(inputs.begin() + static_cast<std::ptrdiff_t>(position), std::move(flag));
     }
+    variant.inputTypes = std::move(texts);
+    variant.inputArgTypes = std::move(inputs);
 }
 
 void addFlagInputTypes(std::vector<BuiltinVariant>& variants, const FlagSpecification& flags) {
@@ -62,12 +69,16 @@ void appendNewVariants(std::vector<BuiltinVariant>& target, void* developerFcn,
                        BuiltinVariant::IsElementWise isElementWise, BuiltinVariant::HasWarnings hasWarnings,
                        std::vector<types::ArgType>&& outputArgTypes,
                        std::vector<std::vector<types::ArgType>>&& inputArgTypeLists) {
+    // Every variant made here holds the same outputs and names.
+    const SharedArray<types::ArgType> outputs(std::move(outputArgTypes));
+    const InternedText cppName(cppFunctionName);
+    const InternedText orvexName(orvexFunctionName);
+    const InternedText dominant(dominantClass);
     std::vector<BuiltinVariant> made;
     made.reserve(inputArgTypeLists.size());
     for (std::vector<types::ArgType>& inputs : inputArgTypeLists) {
-        made.emplace_back(developerFcn, functionDescriptor, std::move(inputs), outputArgTypes, callsIntoOrvex,
-                          hasWarnings, hasExceptions, hasSideEffects, std::string(cppFunctionName),
-                          std::string(orvexFunctionName), std::string(dominantClass), isElementWise);
+        made.emplace_back(developerFcn, functionDescriptor, std::move(inputs), outputs, callsIntoOrvex, hasWarnings,
+                          hasExceptions, hasSideEffects, cppName, orvexName, dominant, isElementWise);
         addFlagInputTypes(made.back(), flags);
     }
     sortVariants(made);

@@ -1,9 +1,13 @@
 // One typed implementation of a builtin: the developer function, the argument types it
 // takes and returns, its behaviour promises, how far the execution engine may call it
 // directly, and the names used in diagnostics. Variants are plain values: lists copy,
-// sort and compare them.
+// sort and compare them. What never changes after construction is shared between
+// copies: the type lists and the lists of their texts are reference-counted, the texts
+// and names are held once per process, so a copy costs a few reference counts.
 #pragma once
 
+#include <builtin/SharedArray.hpp>
+#include <builtin/InternedText.hpp>
 #include <builtin/types/ArgType.hpp>
 #include <builtin/types/InputKey.hpp>
 #include <builtin/types/LxeSupportLevel.hpp>
@@ -15,6 +19,7 @@
 #include <iosfwd>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -30,11 +35,13 @@ public:
     enum class HasSideEffects : bool { NO = false, YES = true };
     enum class IsElementWise : bool { NO = false, YES = true };
 
+    // Type lists and names convert from vectors and strings; passing shared ones lets
+    // variants made together hold their outputs and names once.
     BuiltinVariant(void* developerFcn, lxe::LxeFunctionDescriptor functionDescriptor,
-                   std::vector<types::ArgType> inputArgTypes, std::vector<types::ArgType> outputArgTypes,
+                   SharedArray<types::ArgType> inputArgTypes, SharedArray<types::ArgType> outputArgTypes,
                    CallsIntoOrvex callsIntoOrvex, HasWarnings hasWarnings, HasExceptions hasExceptions,
-                   HasSideEffects hasSideEffects, std::string cppFunctionName, std::string orvexFunctionName,
-                   std::string dominantClass, IsElementWise isElementWise);
+                   HasSideEffects hasSideEffects, InternedText cppFunctionName, InternedText orvexFunctionName,
+                   InternedText dominantClass, IsElementWise isElementWise);
 
     BuiltinVariant(const BuiltinVariant&) = default;
     BuiltinVariant(BuiltinVariant&&) noexcept = default;
@@ -56,17 +63,17 @@ public:
 
     lxe::LxeFunctionDescriptor functionDescriptor;
     void* developerFcn;
-    std::vector<types::ArgType> inputArgTypes;
-    std::vector<types::ArgType> outputArgTypes;
-    std::vector<std::string> inputTypes;
-    std::vector<std::string> outputTypes;
+    SharedArray<types::ArgType> inputArgTypes;
+    SharedArray<types::ArgType> outputArgTypes;
+    SharedArray<InternedText> inputTypes;
+    SharedArray<InternedText> outputTypes;
     bool mayCallIntoOrvex;
     bool mayRaiseWarnings;
     bool mayThrowErrors;
     bool mayHaveSideEffects;
-    std::string cppFunctionName;
-    std::string orvexFunctionName;
-    std::string dominantClass;
+    InternedText cppFunctionName;
+    InternedText orvexFunctionName;
+    InternedText dominantClass;
     types::LxeSupportLevel lxeSupportLevel;
     // Null for an ordinary variant; for a boxing variant, the variant it was derived from.
     std::shared_ptr<const BuiltinVariant> originalVariant;
@@ -106,6 +113,9 @@ types::LxeSupportLevel combineLxeSupportLevels(types::LxeSupportLevel level1, ty
 
 // start combined with the level of every output type, then of every input type.
 types::LxeSupportLevel supportLevelOfTypes(types::LxeSupportLevel start, const BuiltinVariant& variant);
+
+// The text form of each type at its position, as inputTypes and outputTypes hold them.
+SharedArray<InternedText> typeTexts(std::span<const types::ArgType> argTypes, types::ArgTypeDirection direction);
 
 } // namespace builtinreg::detail
 

@@ -85,7 +85,7 @@ int showBuiltin(const std::vector<LoadedBuiltin>& builtins, const std::string& n
              out);
     out << "default implementation: "
         << (builtin->defaultVariant.functionDescriptor.getHostStyleEntry() != nullptr
-                ? builtin->defaultVariant.cppFunctionName
+                ? builtin->defaultVariant.cppFunctionName.str()
                 : std::string("none"))
         << '\n';
     return 0;

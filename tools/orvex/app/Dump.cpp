@@ -34,14 +34,18 @@ const char* levelName(Velloc::builtin::types::LxeSupportLevel level) {
     return "unknown";
 }
 
-boost::json::array textsOf(const std::vector<std::string>& texts) {
-    return boost::json::array(texts.begin(), texts.end());
+boost::json::array textsOf(const Velloc::builtin::SharedArray<Velloc::builtin::InternedText>& texts) {
+    boost::json::array array;
+    for (const std::string& text : texts) {
+        array.emplace_back(text);
+    }
+    return array;
 }
 
 boost::json::array variantsOf(std::span<const BuiltinVariant> list) {
     boost::json::array variants;
     for (const BuiltinVariant& variant : list) {
-        variants.push_back({{"cppFunctionName", variant.cppFunctionName},
+        variants.push_back({{"cppFunctionName", variant.cppFunctionName.str()},
                             {"inputs", textsOf(variant.inputTypes)},
                             {"outputs", textsOf(variant.outputTypes)},
                             {"mayCallIntoOrvex", variant.mayCallIntoOrvex},
@@ -77,7 +81,7 @@ int dumpBuiltins(const std::vector<LoadedBuiltin>& builtins, bool json, std::ost
              {"searchedByInvokeAfterLxe", variantsOf(builtin.getSearchedByInvokeAfterLxe())},
              {"searchedByInvokeAfterLxeComplexScalar", variantsOf(builtin.getSearchedByInvokeAfterLxeComplexScalar())},
              {"defaultImplementation", builtin.defaultVariant.functionDescriptor.getHostStyleEntry() != nullptr
-                                           ? boost::json::value(builtin.defaultVariant.cppFunctionName)
+                                           ? boost::json::value(builtin.defaultVariant.cppFunctionName.str())
                                            : boost::json::value(nullptr)}});
     }
     out << boost::json::serialize(document) << '\n';
