@@ -21,6 +21,7 @@ namespace Velloc::builtin {
 
 namespace {
 
+using builtinreg::detail::DispatchCache;
 using Parameters = boost::container::small_vector<Parameter, 8>;
 
 // Gives back the references that input conversion took, however the call ends.
@@ -51,19 +52,47 @@ const BuiltinVariant* findAcceptingVariant(std::span<const BuiltinVariant> list,
     return nullptr;
 }
 
-// Runs the variant's entry, then reports what it collected: warnings first, even when
-// the call also failed, then the error.
-Parameter runVariant(const BuiltinVariant& variant, const Parameter* parameters) {
+template <class Run>
+[[gnu::noinline]] auto runBetweenExecutionRecords(const BuiltinVariant& variant, const Run& run) {
+    const builtinreg::detail::LogBuiltinVariantExecution_ trace(&variant);
+    return run();
+}
+
+// Runs the variant between the execution records, which cost one flag read when their
+// channel is off.
+template <class Run>
+auto traced(const BuiltinVariant& variant, const Run& run) {
+    static const foundation::log::Channel& executions = builtinreg::detail::executionChannel();
+    if (executions.isEnabled()) [[unlikely]] {
+        return runBetweenExecutionRecords(variant, run);
+    }
+    return run();
+}
+
+// When checks are armed, holds the variant to its promises while it runs: a call into
+// the language is judged against it, and a warning it promised not to raise ends the
+// process. Disarmed they cost the one flag read that says so.
+template <class Run>
+auto checkedIfArmed(const BuiltinVariant& variant, bool checked, const Run& run) {
+    if (!checked) [[likely]] {
+        return traced(variant, run);
+    }
+    const builtinreg::CallsORVEXCheckAsserted active(&variant);
+    const builtinreg::detail::AssertIfWarnings assertIfWarnings(variant);
+    std::optional<matrix::WarningCapture> capture;
+    if (!variant.mayRaiseWarnings) {
+        capture.emplace(assertIfWarnings);
+    }
+    return traced(variant, run);
+}
+
+// Runs the variant's generic entry, then reports what it collected: warnings first, even
+// when the call also failed, then the error.
+Parameter runGenericEntry(const BuiltinVariant& variant, const Parameter* parameters) {
     std::vector<std::u16string> warnings;
     std::exception_ptr pendingError;
     bool pending = false;
     detail::CallEnvironment environment(warnings, pendingError);
-    // The execution records cost one flag read when their channel is off.
-    static const foundation::log::Channel& executions = builtinreg::detail::executionChannel();
-    std::optional<builtinreg::detail::LogBuiltinVariantExecution_> trace;
-    if (executions.isEnabled()) {
-        trace.emplace(&variant);
-    }
     Parameter result = variant.functionDescriptor.getGenericEntry()(variant.functionDescriptor, environment, pending,
                                                                     parameters);
     if (pending) {
@@ -77,59 +106,73 @@ Parameter runVariant(const BuiltinVariant& variant, const Parameter* parameters)
     return result;
 }
 
-// The same, holding the variant to its promises while it runs: a call into the language
-// is judged against it, and a warning it promised not to raise ends the process.
-Parameter runVariantChecked(const BuiltinVariant& variant, const Parameter* parameters) {
-    const builtinreg::CallsORVEXCheckAsserted active(&variant);
-    const builtinreg::detail::AssertIfWarnings assertIfWarnings(variant);
-    std::optional<matrix::WarningCapture> capture;
-    if (!variant.mayRaiseWarnings) {
-        capture.emplace(assertIfWarnings);
-    }
-    return runVariant(variant, parameters);
+// Whether the caller gets a result: one asked for, or none asked for from a variant
+// that has one, which then goes to plhs[0] if there is room or is destroyed.
+bool deliversResult(const BuiltinVariant& variant, int nlhs) {
+    return nlhs == 1 || (nlhs == 0 && !variant.outputArgTypes.empty());
 }
 
-// The result that goes to the caller: a variant that declares an output must produce it,
-// and a host array it made itself must be of the declared type when checks are armed.
-// What the framework made (a converted C++ value, an element-wise loop's output) is
-// right by construction.
-oxArray* outputOf(const BuiltinVariant& variant, int nlhs, const Parameter& result, bool checked) {
-    oxArray* output = detail::toOxArray(result);
+// A variant that declares an output must produce it, and a host array it made itself
+// must be of the declared type when checks are armed. What the framework made (a
+// converted C++ value, an element-wise loop's output) is right by construction.
+void deliver(const BuiltinVariant& variant, int nlhs, oxArray** plhs, oxArray* output, bool returnedArray,
+             bool checked) {
     if (output == nullptr) {
         builtinreg::detail::assertLhsIsNotNull(nlhs, 0, variant);
     }
-    if (checked && !variant.outputArgTypes.empty() && !variant.isElementWise &&
-        boost::get<oxArray*>(&result) != nullptr) {
+    if (checked && returnedArray && !variant.outputArgTypes.empty() && !variant.isElementWise) {
         builtinreg::detail::assertLhsWrongType(variant, output);
     }
-    return output;
+    if (plhs != nullptr) {
+        plhs[0] = output;
+    } else {
+        matrix::destroyArray(output);
+    }
 }
 
-void callVariant(const BuiltinVariant& variant, const VariantSignature& call, int nlhs, oxArray** plhs) {
+// Out of line: its parameters would make every call's frame large.
+[[gnu::noinline]] void callGenericEntry(const BuiltinVariant& variant, int nlhs, oxArray** plhs, int nrhs,
+                                        oxArray* const* prhs) {
+    const VariantSignature call(static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs), prhs);
     ParameterList parameters(call.getNrhs());
     for (std::size_t i = 0; i < call.getNrhs(); ++i) {
         if (!types::skipDuringInvoke(variant.inputArgTypes[i])) {
             parameters.append(detail::toParameter(call, i, variant.inputArgTypes[i]));
         }
     }
-
-    // Checks cost one flag read when diagnostics are not armed.
     const bool checked = fl_diag_terminate();
     const Parameter result =
-        checked ? runVariantChecked(variant, parameters.data()) : runVariant(variant, parameters.data());
-
-    if (nlhs == 1) {
-        plhs[0] = outputOf(variant, nlhs, result, checked);
-    } else if (nlhs == 0 && !variant.outputArgTypes.empty()) {
-        oxArray* output = outputOf(variant, nlhs, result, checked);
-        if (plhs != nullptr) {
-            plhs[0] = output;
-        } else {
-            matrix::destroyArray(output);
-        }
-    } else if (oxArray* const* unused = boost::get<oxArray*>(&result)) {
+        checkedIfArmed(variant, checked, [&] { return runGenericEntry(variant, parameters.data()); });
+    oxArray* const* returned = boost::get<oxArray*>(&result);
+    if (deliversResult(variant, nlhs)) {
+        deliver(variant, nlhs, plhs, detail::toOxArray(result), returned != nullptr, checked);
+    } else if (returned != nullptr) {
         // Nothing is stored for other counts; an array result must not outlive the call.
-        matrix::destroyArray(*unused);
+        matrix::destroyArray(*returned);
+    }
+}
+
+// Whether the direct entry takes these inputs as they are.
+inline bool takesAsTheyAre(const DirectEntry& entry, int nrhs, const types::InputKey* keys) noexcept {
+    for (int i = 0; i < nrhs; ++i) {
+        if (entry.requiredKeys[i] != DirectEntry::ANY_ARRAY && entry.requiredKeys[i] != keys[i].bits()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The same call as through the generic entry, without parameters or a call environment:
+// a function with a direct entry has one output, neither warns nor throws through the
+// environment, and lets its exceptions escape.
+void callDirectEntry(const BuiltinVariant& variant, const DirectEntry& entry, int nlhs, oxArray** plhs,
+                     oxArray* const* prhs) {
+    const bool checked = fl_diag_terminate();
+    oxArray* output = checkedIfArmed(variant, checked, [&] { return entry.call(prhs); });
+    if (deliversResult(variant, nlhs)) {
+        deliver(variant, nlhs, plhs, output, entry.returnsArray, checked);
+    } else {
+        matrix::destroyArray(output);
     }
 }
 
@@ -141,7 +184,7 @@ const foundation::log::Channel& dispatchChannel() {
 // One record per call on "builtin2::dispatch": the builtin, the list searched and the
 // variant taken ("plus: searchedByInvokeNoLxe -> samplelib::plusDouble [double, double]").
 // A disabled channel costs one flag read.
-void traceDispatch(const BuiltinFcn& builtin, std::span<const BuiltinVariant> list, const BuiltinVariant* taken) {
+[[gnu::noinline]] void traceDispatch(const BuiltinFcn& builtin, std::span<const BuiltinVariant> list, const BuiltinVariant* taken) {
     foundation::log::logIf(dispatchChannel(), 1, "invoke", __LINE__, [&] {
         std::string text = builtin.name + ": " + listNameOf(builtin, list) + " -> ";
         if (taken == &builtin.defaultVariant) {
@@ -151,27 +194,33 @@ void traceDispatch(const BuiltinFcn& builtin, std::span<const BuiltinVariant> li
     });
 }
 
+// The search of the list, for a call the dispatch cache does not serve.
+[[gnu::noinline]] const BuiltinVariant* searchList(std::span<const BuiltinVariant> list, int nlhs, int nrhs,
+                                                   oxArray* const* prhs) {
+    return findAcceptingVariant(list, VariantSignature(static_cast<std::uint64_t>(nlhs),
+                                                       static_cast<std::uint64_t>(nrhs), prhs));
+}
+
+// Calls the variant: through its direct entry when it has one that takes these inputs as
+// they are, otherwise through its generic entry.
+void callVariant(const BuiltinVariant& variant, int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
+                 const types::InputKey* keys) {
+    if (const DirectEntry* entry = variant.directEntry;
+        entry != nullptr && keys != nullptr && takesAsTheyAre(*entry, nrhs, keys)) {
+        callDirectEntry(variant, *entry, nlhs, plhs, prhs);
+        return;
+    }
+    callGenericEntry(variant, nlhs, plhs, nrhs, prhs);
+}
+
 } // namespace
 
-// The first variant of the list that accepts the call, from the cache when the call's
-// kind was seen before; null when none does.
-const BuiltinVariant* BuiltinFcn::firstAcceptingVariant(std::span<const BuiltinVariant> list,
-                                                        const VariantSignature& call) const {
+// Lists with the same variants share an index; chooseVariants returns one of three.
+inline unsigned BuiltinFcn::listIndexOf(std::span<const BuiltinVariant> list) const noexcept {
     const auto isList = [&](const VariantArray& candidate) {
         return list.data() == candidate.variants && list.size() == candidate.numVariants;
     };
-    // Lists with the same variants share an index; chooseVariants returns one of three.
-    const unsigned listIndex = isList(searchedByInvokeNoLxe_) ? 0 : (isList(searchedByInvokeAfterLxe_) ? 1 : 2);
-    const std::optional<builtinreg::detail::CallKey> key = builtinreg::detail::DispatchCache::keyOf(listIndex, call);
-    if (!key) {
-        return findAcceptingVariant(list, call);
-    }
-    if (const builtinreg::detail::DispatchCache::Lookup seen = dispatchCache_->find(*key); seen.found) {
-        return seen.variant;
-    }
-    const BuiltinVariant* variant = findAcceptingVariant(list, call);
-    dispatchCache_->store(*key, variant);
-    return variant;
+    return isList(searchedByInvokeNoLxe_) ? 0 : (isList(searchedByInvokeAfterLxe_) ? 1 : 2);
 }
 
 void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
@@ -182,12 +231,34 @@ void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
                                     (plhs == nullptr ? "no array" : "an array") + ", " + std::to_string(nrhs) +
                                     " inputs from " + (prhs == nullptr ? "no array" : "an array"));
     }
-    const std::span<const BuiltinVariant> list = chooseVariants(nrhs, prhs, variantsToConsider);
+    const std::span<const BuiltinVariant> list =
+        variantsToConsider == NoLxe ? searchedByInvokeNoLxe_.span() : chooseVariants(nrhs, prhs, variantsToConsider);
     if (!list.empty()) {
-        const VariantSignature call(static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs), prhs);
-        if (const BuiltinVariant* variant = firstAcceptingVariant(list, call)) {
-            traceDispatch(*this, list, variant);
-            callVariant(*variant, call, nlhs, plhs);
+        const BuiltinVariant* variant = nullptr;
+        types::InputKey keys[DispatchCache::MAX_INPUTS];
+        builtinreg::detail::CallKey key;
+        const bool keyed = static_cast<std::size_t>(nrhs) <= DispatchCache::MAX_INPUTS;
+        if (keyed) {
+            for (int i = 0; i < nrhs; ++i) {
+                keys[i] = types::InputKey::of(prhs[i]);
+            }
+        }
+        if (keyed && DispatchCache::keyOf(listIndexOf(list), static_cast<std::uint64_t>(nlhs),
+                                          static_cast<std::uint64_t>(nrhs), prhs, keys, key)) {
+            if (const DispatchCache::Lookup seen = dispatchCache_->find(key); seen.found) {
+                variant = seen.variant;
+            } else {
+                variant = searchList(list, nlhs, nrhs, prhs);
+                dispatchCache_->store(key, variant);
+            }
+        } else {
+            variant = searchList(list, nlhs, nrhs, prhs);
+        }
+        if (variant != nullptr) {
+            if (dispatchChannel().isEnabled()) [[unlikely]] {
+                traceDispatch(*this, list, variant);
+            }
+            callVariant(*variant, nlhs, plhs, nrhs, prhs, keyed ? keys : nullptr);
             return;
         }
     }

@@ -37,6 +37,10 @@ double quietlyWarns(CallContext& context, double x) {
     context.warning("not supposed to");
     return x;
 }
+double warnsToTheHost(double x) {
+    matrix::handleWarning(u"straight to the host");
+    return x;
+}
 oxArray* textInsteadOfNumber(const oxArray*) { return matrix::createCharRow(u"oops"); }
 oxArray* nothing(const oxArray*) { return nullptr; }
 void leavesSecondOutput(int nlhs, oxArray** plhs, int, oxArray**, const BuiltinVariant&) {
@@ -118,6 +122,25 @@ TEST_P(Promises, CallingTheLanguageIsCheckedAgainstTheDeclaration) {
                  std::string("is marked as not calling into orvex, but does.Need to change builtin doxygen") +
                      ".*file: CallsORVEXCheck\n  line: [0-9]+\n  function: void "
                      "\\{anonymous\\}::vlDoesNotCallORVEXAssertion\\(");
+}
+
+// A plain function is called without a call environment; its warnings are still held to
+// its promise.
+TEST_P(Promises, APlainFunctionsWarningsAreCheckedToo) {
+    const TestBuiltin plain("plain", makeVariants<&warnsToTheHost>("plain", {.isElementWise = true}));
+    if (!armed()) {
+        std::vector<std::string> seen;
+        const matrix::WarningHandler previous = matrix::setWarningHandler(
+            [&](const fl::ustring& message) { seen.push_back(fl::i18n::ustring_to_utf8(message)); });
+        EXPECT_EQ(valueOf(call(plain.builtin, {matrix::createScalar<double>(4)})), 4.0);
+        matrix::setWarningHandler(previous);
+        EXPECT_EQ(seen, std::vector<std::string>{"straight to the host"});
+        return;
+    }
+    EXPECT_DEATH(call(plain.builtin, {matrix::createScalar<double>(4)}),
+                 std::string("builtin: \"plain\" function: \"[^\"]*warnsToTheHost\" claims no warnings but generated "
+                             "this warning:\nstraight to the host") +
+                     FATAL_AT + "bool Velloc::builtin::builtinreg::detail::AssertIfWarnings::operator\\(\\)");
 }
 
 TEST_P(Promises, WarningsAreCheckedAgainstTheDeclaration) {

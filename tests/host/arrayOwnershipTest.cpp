@@ -56,6 +56,38 @@ TEST(ArrayHandles, ReferencesMarksAndSharedData) {
     EXPECT_EQ(*matrix::getTypedData<double>(copy.get()), 1.5);
 }
 
+// Headers of destroyed arrays are reused by the thread that destroyed them: a recycled
+// header starts afresh, whatever the array it held before, and blocks that change threads
+// or outlive their thread are neither lost nor freed twice.
+TEST(ArrayHandles, RecycledHeadersStartAfresh) {
+    const std::size_t dims[] = {2, 3, 4, 5, 6};
+    for (int round = 0; round < 3; ++round) {
+        oxArray* large = matrix::createWithOpaqueDimensions(dims, oxINT8_CLASS, oxCOMPLEX);
+        matrix::setTemporary(large, true);
+        matrix::addReference(large);
+        matrix::destroyArray(large);
+        matrix::destroyArray(large);
+        const ArrayPtr scalar(matrix::createScalar(2.5f));
+        EXPECT_EQ(matrix::getClassID(scalar.get()), oxSINGLE_CLASS);
+        EXPECT_FALSE(matrix::isComplex(scalar.get()) || matrix::isTemporary(scalar.get()) ||
+                     matrix::hasOpaqueDimensions(scalar.get()));
+        EXPECT_EQ(matrix::getReferenceCount(scalar.get()), 1u);
+        EXPECT_EQ(matrix::getNumberOfDimensions(scalar.get()), 2u);
+        EXPECT_EQ(*matrix::getTypedData<float>(scalar.get()), 2.5f);
+    }
+
+    std::vector<oxArray*> made(200);
+    std::thread maker([&] {
+        for (oxArray*& array : made) array = matrix::createScalar(1.0);
+        for (std::size_t i = 0; i < made.size(); i += 2) matrix::destroyArray(made[i]);
+    });
+    maker.join();
+    std::thread destroyer([&] {
+        for (std::size_t i = 1; i < made.size(); i += 2) matrix::destroyArray(made[i]);
+    });
+    destroyer.join();
+}
+
 TEST(ArrayHandles, OpaqueDimensionsCompleteOnceAcrossThreads) {
     const std::size_t dims[] = {2, 3, 4};
     const ArrayPtr array(matrix::createWithOpaqueDimensions(dims, oxINT16_CLASS, oxCOMPLEX));

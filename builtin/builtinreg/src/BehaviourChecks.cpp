@@ -22,6 +22,31 @@ std::size_t activeVariantsId() {
     return id;
 }
 
+// The active-variant stack of the instance current on this thread, as this thread last
+// found it: an instance keeps its stack until it is destroyed, and its serial number is
+// never reused, so an armed call looks the stack up once per thread and instance.
+struct FoundStack {
+    std::uint64_t serial = 0;
+    ActiveVariants* active = nullptr;
+};
+[[gnu::tls_model("initial-exec")]] constinit thread_local FoundStack foundStack;
+
+ActiveVariants* findActiveVariants(const foundation::usm::OvmInstance& instance) {
+    if (foundStack.active == nullptr || foundStack.serial != instance.serial()) {
+        ActiveVariants* active = instance.find<ActiveVariants>(activeVariantsId());
+        if (active == nullptr) {
+            return nullptr;
+        }
+        foundStack = {instance.serial(), active};
+    }
+    return foundStack.active;
+}
+
+ActiveVariants* findActiveVariants() {
+    const foundation::usm::OvmInstance* instance = foundation::usm::OvmInstance::current();
+    return instance != nullptr ? findActiveVariants(*instance) : nullptr;
+}
+
 void assertDoesNotCall(const ActiveVariants& active) {
     if (active.empty() || active.top() == nullptr || active.top()->mayCallIntoOrvex) {
         return;
@@ -51,7 +76,7 @@ void logExecution(const char* heading, const BuiltinVariant* variant, int line) 
 } // namespace
 
 void vlDoesNotCallORVEXAssertion() {
-    if (const ActiveVariants* active = foundation::usm::find<ActiveVariants>(activeVariantsId())) {
+    if (const ActiveVariants* active = findActiveVariants()) {
         assertDoesNotCall(*active);
     }
 }
@@ -62,7 +87,7 @@ CallsORVEXCheckAsserted::CallsORVEXCheckAsserted(const BuiltinVariant* variant) 
     // The host runs the check on each call into the language once a guard has existed.
     static const bool checkInstalled = (lxe::setLanguageEntryCheck(&vlDoesNotCallORVEXAssertion), true);
     (void)checkInstalled;
-    ActiveVariants* active = foundation::usm::find<ActiveVariants>(activeVariantsId());
+    ActiveVariants* active = findActiveVariants();
     if (active == nullptr) {
         if (foundation::usm::OvmInstance::current() == nullptr) {
             return; // outside a language instance nothing is checked
@@ -75,7 +100,8 @@ CallsORVEXCheckAsserted::CallsORVEXCheckAsserted(const BuiltinVariant* variant) 
 
 CallsORVEXCheckAsserted::~CallsORVEXCheckAsserted() {
     if (pushed_) {
-        foundation::usm::findOrFail<ActiveVariants>(activeVariantsId()).pop();
+        ActiveVariants* active = findActiveVariants();
+        (active != nullptr ? *active : foundation::usm::findOrFail<ActiveVariants>(activeVariantsId())).pop();
     }
 }
 

@@ -94,8 +94,8 @@ private:
     // What invoke chose for recent kinds of call; filled by invoke from any thread.
     std::unique_ptr<builtinreg::detail::DispatchCache> dispatchCache_;
 
-    const BuiltinVariant* firstAcceptingVariant(std::span<const BuiltinVariant> list,
-                                                const VariantSignature& call) const;
+    // Which of the three lists a list that chooseVariants returned is, for the call's key.
+    unsigned listIndexOf(std::span<const BuiltinVariant> list) const noexcept;
 
 public:
     // The host-level function of the builtin; kept for the host, not used by invoke.

@@ -15,6 +15,8 @@
 
 #include <boost/container/small_vector.hpp>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
@@ -26,6 +28,22 @@
 namespace Velloc::builtin {
 
 class VariantSignature;
+
+// How invoke calls a plain developer function over numeric scalars and host arrays
+// straight from the host arrays of a call, when its inputs are ones the function takes
+// as they are (builtinreg/DirectEntry.hpp makes them).
+struct DirectEntry {
+    static constexpr std::size_t MAX_INPUTS = 4;
+    // The required key of an input passed as the host array itself: any key will do.
+    static constexpr std::uint32_t ANY_ARRAY = 0;
+
+    // Per input, the key of the 1-by-1 array read as a scalar parameter, or ANY_ARRAY.
+    std::array<std::uint32_t, MAX_INPUTS> requiredKeys;
+    // Calls the function on inputs of those keys; returns a new 1-by-1 array of the value
+    // it returned, or the host array it returned.
+    oxArray* (*call)(oxArray* const* prhs);
+    bool returnsArray;
+};
 
 class BuiltinVariant {
 public:
@@ -78,6 +96,8 @@ public:
     // Null for an ordinary variant; for a boxing variant, the variant it was derived from.
     std::shared_ptr<const BuiltinVariant> originalVariant;
     bool isElementWise;
+    // Null unless registration gave the variant one; the generic entry serves every call.
+    const DirectEntry* directEntry = nullptr;
 };
 
 std::ostream& operator<<(std::ostream& out, const BuiltinVariant& variant);

@@ -2,6 +2,7 @@
 
 #include "ClassTraits.hpp"
 #include "DataBlocks.hpp"
+#include "HeaderBlocks.hpp"
 
 #include <algorithm>
 #include <limits>
@@ -57,14 +58,14 @@ oxArray* allocateArray(Dims dimensions, oxClassID classId, std::uint32_t flags, 
     if (dataBytes > std::numeric_limits<std::size_t>::max() - DATA_ALIGNMENT) {
         throw ShapeError("matrix: data of " + std::to_string(dataBytes) + " bytes cannot be allocated");
     }
-    std::unique_ptr<oxArray> array(new oxArray); // default-initialised: the fields are all set below
+    std::unique_ptr<std::size_t[]> separateDimensions(count > INLINE_DIMENSIONS ? new std::size_t[count] : nullptr);
+    oxArray* array = newHeader();
     array->classId = classId;
     array->referenceCount.store(1, std::memory_order_relaxed);
     array->numberOfDimensions = static_cast<std::uint32_t>(count);
-    array->dimensions = array->inlineDimensions;
+    array->dimensions = separateDimensions ? separateDimensions.release() : array->inlineDimensions;
     array->data = array->inlineData;
     array->extras = nullptr;
-    if (count > INLINE_DIMENSIONS) array->dimensions = new std::size_t[count];
     std::size_t elements = 1;
     bool overflows = false;
     for (std::size_t i = 0; i < count; ++i) {
@@ -81,24 +82,10 @@ oxArray* allocateArray(Dims dimensions, oxClassID classId, std::uint32_t flags, 
             array->data = allocateData(rounded, DATA_ALIGNMENT);
         } catch (...) {
             if (array->dimensions != array->inlineDimensions) delete[] array->dimensions;
+            deleteHeader(array);
             throw;
         }
     }
-    return array.release();
-}
-
-oxArray* allocateScalar(oxClassID classId, std::uint32_t flags) {
-    auto* array = new oxArray; // default-initialised: the fields are all set below
-    array->classId = classId;
-    array->flags.store(flags | flag::TWO_DIMENSIONAL, std::memory_order_relaxed);
-    array->referenceCount.store(1, std::memory_order_relaxed);
-    array->numberOfDimensions = 2;
-    array->numberOfElements = 1;
-    array->dimensions = array->inlineDimensions;
-    array->inlineDimensions[0] = 1;
-    array->inlineDimensions[1] = 1;
-    array->data = array->inlineData;
-    array->extras = nullptr;
     return array;
 }
 
@@ -108,7 +95,7 @@ void freeArray(oxArray* array) {
     if (ownsSeparateData) freeData(array->data, DATA_ALIGNMENT);
     if (array->dimensions != array->inlineDimensions) delete[] array->dimensions;
     delete array->extras;
-    delete array;
+    deleteHeader(array);
 }
 
 void completeOpaqueDimensions(const oxArray& constArray) {

@@ -2,6 +2,8 @@
 // the allocation of headers (the header itself is matrix/oxArrayLayout.hpp).
 #pragma once
 
+#include "HeaderBlocks.hpp"
+
 #include <matrix/oxArray.hpp>
 
 #include <atomic>
@@ -32,7 +34,20 @@ struct ArrayExtras {
 oxArray* allocateArray(Dims dimensions, oxClassID classId, std::uint32_t flags, std::size_t dataBytes);
 // A 1-by-1 array with its element in the header block: one allocation, and none of the
 // general path's checks, which a scalar cannot fail.
-oxArray* allocateScalar(oxClassID classId, std::uint32_t flags);
+inline oxArray* allocateScalar(oxClassID classId, std::uint32_t flags) {
+    oxArray* array = newHeader();
+    array->classId = classId;
+    array->flags.store(flags | flag::TWO_DIMENSIONAL, std::memory_order_relaxed);
+    array->referenceCount.store(1, std::memory_order_relaxed);
+    array->numberOfDimensions = 2;
+    array->numberOfElements = 1;
+    array->dimensions = array->inlineDimensions;
+    array->inlineDimensions[0] = 1;
+    array->inlineDimensions[1] = 1;
+    array->data = array->inlineData;
+    array->extras = nullptr;
+    return array;
+}
 // Frees what allocateArray and the creation functions attached.
 void freeArray(oxArray* array);
 

@@ -23,7 +23,9 @@ WarningState& warningState() {
     return *state;
 }
 
-thread_local WarningCapture* innermostCapture = nullptr;
+// Initial-exec: a capture is made around every checked builtin call, so one load rather
+// than a call.
+[[gnu::tls_model("initial-exec")]] constinit thread_local WarningCapture* innermostCapture = nullptr;
 
 } // namespace
 

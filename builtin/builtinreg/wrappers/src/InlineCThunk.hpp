@@ -46,21 +46,40 @@ struct ThunkBody;
 
 template <class Result, class... V, std::size_t... P>
 struct ThunkBody<Result, TypeList<V...>, std::index_sequence<P...>> {
-    // Flattened: the argument reads fold to a check and a load each, but in translation
-    // units of thousands of thunks the inliner's growth budget runs out before it gets to
-    // them, and every argument would be read through an out-of-line call. The plain
-    // convention, the engine's common case, is tested first and ends in the one indirect
-    // call of the developer function.
+    // The engine's common case, the plain convention with every argument of its declared
+    // type, is tested up front and ends in the one indirect call of the developer function;
+    // anything else goes on to callChecked, so that the common path keeps no registers of
+    // its own and makes no call but that one.
     [[gnu::flatten]] static InlineCResult call(const lxe::LxeFunctionDescriptor* callee,
                                                lxe::ILxeBuiltinEnvironment* environment, bool* errorFlag,
                                                const Parameter* arguments) {
+        *errorFlag = false;
+        if (callee != nullptr && callee->getCallingConvention() == lxe::Plain && callee->getCallee() != nullptr &&
+            ((boost::get<V>(&arguments[P]) != nullptr) && ...)) [[likely]] {
+            const auto fcn = reinterpret_cast<Result (*)(V...)>(callee->getCallee());
+            if constexpr (std::is_void_v<Result>) {
+                fcn(*boost::get<V>(&arguments[P])...);
+                return NO_VALUE_RESULT;
+            } else {
+                return packInlineCResult<Result>(fcn(*boost::get<V>(&arguments[P])...));
+            }
+        }
+        return callChecked(callee, environment, errorFlag, arguments);
+    }
+
+    // Flattened: the argument reads fold to a check and a load each, but in translation
+    // units of thousands of thunks the inliner's growth budget runs out before it gets to
+    // them, and every argument would be read through an out-of-line call.
+    [[gnu::noinline, gnu::flatten]] static InlineCResult callChecked(const lxe::LxeFunctionDescriptor* callee,
+                                                                     lxe::ILxeBuiltinEnvironment* environment,
+                                                                     bool* errorFlag, const Parameter* arguments) {
         *errorFlag = false;
         if (callee == nullptr || callee->getCallee() == nullptr) {
             return InlineCResult{0, 0};
         }
         void* const address = callee->getCallee();
         const lxe::JIT_CALLING_CONVENTION convention = callee->getCallingConvention();
-        if (convention == lxe::Plain) [[likely]] {
+        if (convention == lxe::Plain) {
             const auto fcn = reinterpret_cast<Result (*)(V...)>(address);
             if constexpr (std::is_void_v<Result>) {
                 fcn(argumentAt<V>(arguments[P])...);

@@ -12,10 +12,14 @@ std::size_t Detail<Scope>::getNextID() {
 template struct Detail<scope::Ovm>;
 
 namespace {
-thread_local OvmInstance* currentInstance = nullptr;
+// Initial-exec: read on every checked builtin call, so one load rather than a call.
+[[gnu::tls_model("initial-exec")]] constinit thread_local OvmInstance* currentInstance = nullptr;
 } // namespace
 
-OvmInstance::OvmInstance() = default;
+OvmInstance::OvmInstance() : serial_([] {
+    static std::atomic<std::uint64_t> next{1};
+    return next.fetch_add(1, std::memory_order_relaxed);
+}()) {}
 
 OvmInstance::~OvmInstance() = default;
 

@@ -28,6 +28,7 @@
 #include <builtin/builtinreg/ArgTypesOf.hpp>
 #include <builtin/builtinreg/BuiltinVariantLists.hpp>
 #include <builtin/builtinreg/CanThrowAdapter.hpp>
+#include <builtin/builtinreg/DirectEntry.hpp>
 #include <builtin/builtinreg/FunctionName.hpp>
 #include <builtin/builtinreg/GenericEntry.hpp>
 #include <builtin/builtinreg/HostStyleEntry.hpp>
@@ -129,6 +130,11 @@ std::vector<BuiltinVariant> makeVariants(std::string_view orvexFunctionName, Var
                                         {std::cref(typeid(typename Entry::template Arg<I>))...},
                                         {std::cref(detail::boxedTypeOf<typename Entry::template Arg<I>>())...});
         }(std::make_index_sequence<Entry::ARITY>{});
+    }
+    using Direct = detail::DirectEntryOf<Fcn, false>;
+    if constexpr (Direct::EXISTS) {
+        detail::attachDirectEntries(variants, Direct::ARITY, Direct::SCALAR_INPUTS, &Direct::ENTRY,
+                                    &detail::DirectEntryOf<Fcn, true>::ENTRY);
     }
     return variants;
 }

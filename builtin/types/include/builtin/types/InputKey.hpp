@@ -35,6 +35,11 @@ public:
         return ofMatrix(array->classId, flags, array->dimensions[0], array->dimensions[1]);
     }
 
+    // The key of a full 1-by-1 array of the class, real or complex.
+    static constexpr InputKey ofScalar(oxClassID classId, bool complex) noexcept {
+        return {classId, complex ? matrix::detail::flag::COMPLEX : 0u, Shape::SCALAR, 0};
+    }
+
     // The argument type the key stands for: a strict OxArrayTypes, or UnsupportedArgType
     // for a class or storage that no variant can take.
     ArgType argType() const;

@@ -10,6 +10,7 @@
 #include <foundation/core/diag/terminate.hpp>
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -74,6 +75,10 @@ public:
     // The instance made current on this thread, or null.
     static OvmInstance* current() noexcept;
 
+    // A number no other instance of the process has had or will have, so that callers
+    // may remember what they found in an instance without holding on to its address.
+    std::uint64_t serial() const noexcept { return serial_; }
+
 private:
     using ErasedObject = std::unique_ptr<void, void (*)(void*)>;
     using Key = std::pair<std::size_t, std::type_index>;
@@ -81,6 +86,7 @@ private:
     void* findErased(std::size_t id, std::type_index type) const;
     void* insertErased(std::size_t id, std::type_index type, ErasedObject object);
 
+    const std::uint64_t serial_;
     mutable std::mutex mutex_;
     std::map<Key, ErasedObject> objects_;
 };

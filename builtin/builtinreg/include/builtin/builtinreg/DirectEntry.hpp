@@ -1,0 +1,139 @@
+// The direct entry of a plain developer function (no CallContext, neither warns nor
+// throws) over numeric scalars and host arrays: invoke calls it straight from the host
+// arrays of a call whose inputs it takes as they are, with no parameters built and no
+// call environment, and gets its result as a host array.
+#pragma once
+
+#include <builtin/BuiltinVariant.hpp>
+#include <builtin/builtinreg/FunctionTraits.hpp>
+#include <builtin/builtinreg/ParameterAccess.hpp>
+
+#include <matrix/oxArrayLayout.hpp>
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace Velloc::builtin::builtinreg::detail {
+
+template <class T>
+inline constexpr bool isArrayParameter = std::is_same_v<T, oxArray*> || std::is_same_v<T, const oxArray*>;
+
+// Gives back, however the call ends, the references taken on the host arrays passed to
+// the function, as the generic entry's parameters do.
+template <std::size_t N>
+class HeldInputs {
+public:
+    HeldInputs() = default;
+    HeldInputs(const HeldInputs&) = delete;
+    HeldInputs& operator=(const HeldInputs&) = delete;
+    ~HeldInputs() {
+        for (std::size_t i = 0; i < count_; ++i) {
+            matrix::destroyArray(arrays_[i]);
+        }
+    }
+
+    void hold(oxArray* array) {
+        if (array != nullptr) {
+            arrays_[count_++] = matrix::addReference(array);
+        }
+    }
+
+private:
+    oxArray* arrays_[N > 0 ? N : 1] = {};
+    std::size_t count_ = 0;
+};
+
+// What invoke does to every input it passes as a host array: the callee may keep it, so
+// it is no longer a temporary.
+inline void clearTemporaryMark(oxArray* array) {
+    if (array != nullptr &&
+        (array->flags.load(std::memory_order_relaxed) & matrix::detail::flag::TEMPORARY) != 0) [[unlikely]] {
+        matrix::clearTemporary(array);
+    }
+}
+
+// BoxedScalars: the variant declares its scalar inputs as host arrays (a boxed copy), so
+// the generic path passes those arrays too and clears their temporary marks.
+template <auto Fcn, bool BoxedScalars>
+struct DirectEntryOf {
+    using Traits = FunctionTraits<decltype(Fcn)>;
+    using Result = std::remove_cvref_t<typename Traits::Result>;
+    template <std::size_t I>
+    using Arg = std::remove_cvref_t<std::tuple_element_t<I, typename Traits::Parameters>>;
+    static constexpr std::size_t ARITY = std::tuple_size_v<typename Traits::Parameters>;
+
+    static constexpr bool EXISTS = [] {
+        if constexpr (Traits::takesContext || ARITY > DirectEntry::MAX_INPUTS ||
+                      !(isParameterValue<Result> || std::is_same_v<Result, oxArray*>)) {
+            return false;
+        } else {
+            return []<std::size_t... I>(std::index_sequence<I...>) {
+                return ((isParameterValue<Arg<I>> || isArrayParameter<Arg<I>>) && ...);
+            }(std::make_index_sequence<ARITY>{});
+        }
+    }();
+
+    // Bit i set: input i is a numeric scalar parameter.
+    static constexpr unsigned SCALAR_INPUTS = [] {
+        if constexpr (EXISTS) {
+            return []<std::size_t... I>(std::index_sequence<I...>) {
+                return ((isParameterValue<Arg<I>> ? 1u << I : 0u) | ... | 0u);
+            }(std::make_index_sequence<ARITY>{});
+        } else {
+            return 0u;
+        }
+    }();
+
+    template <std::size_t I>
+    static constexpr std::uint32_t requiredKey() {
+        if constexpr (isParameterValue<Arg<I>>) {
+            return types::InputKey::ofScalar(classOfValue<Arg<I>>(), isComplexValue<Arg<I>>()).bits();
+        } else {
+            return DirectEntry::ANY_ARRAY;
+        }
+    }
+
+    template <std::size_t I, std::size_t N>
+    static Arg<I> argument(oxArray* array, HeldInputs<N>& held) {
+        if constexpr (isParameterValue<Arg<I>>) {
+            if constexpr (BoxedScalars) {
+                clearTemporaryMark(array);
+            }
+            return *static_cast<const Arg<I>*>(array->data);
+        } else {
+            held.hold(array);
+            clearTemporaryMark(array);
+            return array;
+        }
+    }
+
+    static oxArray* call(oxArray* const* prhs) {
+        return [&]<std::size_t... I>(std::index_sequence<I...>) {
+            HeldInputs<ARITY - std::popcount(SCALAR_INPUTS)> held;
+            // Braces: the inputs are taken in order, as the generic path converts them.
+            const std::tuple<Arg<I>...> arguments{argument<I>(prhs[I], held)...};
+            if constexpr (std::is_same_v<Result, oxArray*>) {
+                return Fcn(std::get<I>(arguments)...);
+            } else {
+                return matrix::createScalar(Fcn(std::get<I>(arguments)...));
+            }
+        }(std::make_index_sequence<ARITY>{});
+    }
+
+    static constexpr DirectEntry ENTRY = []<std::size_t... I>(std::index_sequence<I...>) {
+        return DirectEntry{{requiredKey<I>()...}, &call, std::is_same_v<Result, oxArray*>};
+    }(std::make_index_sequence<ARITY>{});
+};
+
+// Gives each variant made from the function the direct entry that matches how it
+// declares its inputs: scalar inputs all as scalars (plain) or all as host arrays
+// (boxed), host-array inputs as host arrays. Others keep the generic entry only.
+void attachDirectEntries(std::vector<BuiltinVariant>& variants, std::size_t arity, unsigned scalarInputs,
+                         const DirectEntry* plain, const DirectEntry* boxed);
+
+} // namespace Velloc::builtin::builtinreg::detail

@@ -1,0 +1,70 @@
+// The blocks that array headers live in. Every header is a block of the same size, so the
+// blocks of destroyed arrays wait on a short per-thread list for the next array made on
+// that thread: a 1-by-1 result, the commonest array of all, is then made and destroyed
+// without a call into the allocator. Under AddressSanitizer a waiting block is poisoned,
+// so that a use of an array after its destruction is still reported while it waits.
+#pragma once
+
+#include <matrix/oxArrayLayout.hpp>
+
+#include <sanitizer/asan_interface.h>
+
+#include <new>
+#include <type_traits>
+
+namespace matrix::detail {
+
+struct WaitingBlock {
+    WaitingBlock* next;
+};
+
+// Trivially destructible, so that arrays destroyed late in a thread's exit (or the
+// process's) still find it; once closed, blocks go straight back to the allocator.
+struct WaitingHeaders {
+    // Enough for the results and temporaries a chain of scalar calls keeps alive at once;
+    // 7 KiB per thread at most.
+    static constexpr unsigned MAX_WAITING = 64;
+
+    WaitingBlock* head = nullptr;
+    unsigned count = 0;
+    bool drainRegistered = false;
+    bool closed = false;
+};
+
+// Initial-exec: one load relative to the thread pointer, no call, for every array made.
+[[gnu::tls_model("initial-exec")]] extern constinit thread_local WaitingHeaders waitingHeaders;
+
+// Makes the thread give its waiting blocks back when it ends.
+void registerDrain() noexcept;
+
+inline void* popWaitingHeader() noexcept {
+    WaitingBlock* block = waitingHeaders.head;
+    ASAN_UNPOISON_MEMORY_REGION(block, sizeof(oxArray));
+    waitingHeaders.head = block->next;
+    --waitingHeaders.count;
+    return block;
+}
+
+// A default-initialised header in a fresh or recycled block.
+inline oxArray* newHeader() {
+    void* block = waitingHeaders.head != nullptr ? popWaitingHeader() : ::operator new(sizeof(oxArray));
+    return new (block) oxArray; // default-initialised: the creating function sets the fields
+}
+
+// Gives the header's block back; what the header points to is the caller's to free.
+inline void deleteHeader(oxArray* array) noexcept {
+    static_assert(std::is_trivially_destructible_v<oxArray>);
+    WaitingHeaders& waiting = waitingHeaders;
+    if (waiting.count == WaitingHeaders::MAX_WAITING || waiting.closed) [[unlikely]] {
+        ::operator delete(array);
+        return;
+    }
+    if (!waiting.drainRegistered) [[unlikely]] {
+        registerDrain();
+    }
+    waiting.head = new (array) WaitingBlock{waiting.head};
+    ++waiting.count;
+    ASAN_POISON_MEMORY_REGION(array, sizeof(oxArray));
+}
+
+} // namespace matrix::detail
