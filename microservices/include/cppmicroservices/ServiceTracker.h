@@ -1,8 +1,11 @@
 // Follows the services of one interface (or those matching a filter) as they come, change
 // and go, and keeps the best one at hand. Changes are handled one at a time per tracker,
-// on the thread that made them, and the customizer runs under no lock of the framework.
+// on the thread that made them, and the customizer runs under no lock of the framework;
+// what it throws is reported on the log channel "cppmicroservices::listeners" (a throwing
+// AddingService declines the service) and tracking goes on.
 // Reading the best service (GetService) takes no lock of the tracker: it reads an
-// atomically published snapshot.
+// atomically published snapshot. BorrowService, for call paths, lends it through a slot of
+// the calling thread and costs two loads while nothing changes.
 #pragma once
 
 #include "cppmicroservices/BundleContext.h"
@@ -11,11 +14,14 @@
 #include "cppmicroservices/LDAPProp.h"
 #include "cppmicroservices/ServiceEvent.h"
 #include "cppmicroservices/ServiceTrackerCustomizer.h"
+#include "cppmicroservices/detail/BorrowSlots.h"
+#include "cppmicroservices/detail/CallbackFailure.h"
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <algorithm>
+#include <condition_variable>
+#include <cstdint>
 #include <unordered_map>
 #include <utility>
 #include <memory>
@@ -53,6 +59,10 @@ public:
         } catch (const std::exception&) {
             // The framework went first; its services are gone with it.
         }
+        // Threads' slots of this number let go of what they lent when the number's next
+        // tracker lends through them, or when the threads end. They are not touched here: a
+        // tracker may go after its thread's slots have.
+        detail::releaseBorrowSlot(borrowSlot_);
     }
 
     ServiceTracker(const ServiceTracker&) = delete;
@@ -97,7 +107,7 @@ public:
             publishLocked();
         }
         for (const auto& [reference, service] : removed) {
-            customizer_->RemovedService(reference, service);
+            detail::callReporting([&] { customizer_->RemovedService(reference, service); }, customizerName);
         }
     }
 
@@ -107,6 +117,23 @@ public:
     {
         const std::shared_ptr<const Best> best = best_.load(std::memory_order_acquire);
         return best != nullptr ? best->service : nullptr;
+    }
+
+    // The best tracked service, lent to the calling thread without a reference of the
+    // caller's own; null when none is tracked. The pointer stays valid until the same thread
+    // borrows from this tracker again, or ends: the thread's slot keeps the service alive
+    // meanwhile, even when it is unregistered. So a caller may use it for the duration of
+    // a call, but must not keep it across a second BorrowService of this tracker on its
+    // thread; to keep a service longer, take GetService(). A service that goes away may live
+    // on in the slots of threads that borrowed it until they borrow again or end.
+    T* BorrowService() const
+    {
+        const std::uint64_t stamp = stamp_.load(std::memory_order_acquire);
+        const auto& slots = detail::borrowSlots();
+        if (borrowSlot_ < slots.size() && slots[borrowSlot_].stamp == stamp) [[likely]] {
+            return static_cast<T*>(const_cast<void*>(slots[borrowSlot_].service));
+        }
+        return lend(stamp);
     }
 
     std::shared_ptr<T> GetService(const ServiceReference<S>& reference) const
@@ -209,6 +236,20 @@ private:
     {
     }
 
+    // Fills this thread's slot from the published snapshot. The snapshot read is at least as
+    // new as stamp, which the slot is tagged with: a newer one is read again next time.
+    T* lend(std::uint64_t stamp) const
+    {
+        auto& slots = detail::borrowSlots();
+        if (borrowSlot_ >= slots.size()) {
+            slots.resize(borrowSlot_ + 1);
+        }
+        std::shared_ptr<const Best> best = best_.load(std::memory_order_acquire);
+        T* service = best != nullptr ? best->service.get() : nullptr;
+        slots[borrowSlot_] = detail::BorrowSlot{stamp, service, std::move(best)};
+        return service;
+    }
+
     std::vector<std::pair<ServiceReference<S>, std::shared_ptr<T>>> bestFirst() const
     {
         std::vector<std::pair<ServiceReference<S>, std::shared_ptr<T>>> entries;
@@ -219,6 +260,8 @@ private:
         std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return b.first < a.first; });
         return entries;
     }
+
+    static std::string customizerName() { return "service tracker customizer"; }
 
     static LDAPPropExpr interfaceExpression()
     {
@@ -249,9 +292,12 @@ private:
     {
         std::shared_ptr<T> service = GetService(reference);
         if (service) {
-            customizer_->ModifiedService(reference, service);
-        } else if (!(service = customizer_->AddingService(reference))) {
-            return;
+            detail::callReporting([&] { customizer_->ModifiedService(reference, service); }, customizerName);
+        } else {
+            detail::callReporting([&] { service = customizer_->AddingService(reference); }, customizerName);
+            if (!service) { // declined, or the customizer threw
+                return;
+            }
         }
         {
             const std::lock_guard lock(stateMutex_);
@@ -277,7 +323,7 @@ private:
             ++trackingCount_;
             publishLocked();
         }
-        customizer_->RemovedService(reference, service);
+        detail::callReporting([&] { customizer_->RemovedService(reference, service); }, customizerName);
     }
 
     // Publishes the best entry for readers that take no lock; under stateMutex_.
@@ -290,6 +336,7 @@ private:
             next = std::make_shared<const Best>(Best{reference, service});
         }
         best_.store(std::move(next), std::memory_order_release);
+        stamp_.store(detail::nextBorrowStamp(), std::memory_order_release);
     }
 
     BundleContext context_;
@@ -304,6 +351,9 @@ private:
     TrackingMap tracked_;
     int trackingCount_ = -1;
     std::atomic<std::shared_ptr<const Best>> best_;
+    // Names the snapshot in best_; stored after it.
+    std::atomic<std::uint64_t> stamp_{0};
+    const std::size_t borrowSlot_ = detail::acquireBorrowSlot();
 };
 
 } // namespace cppmicroservices
