@@ -3,9 +3,10 @@
 // on the thread that made them, and the customizer runs under no lock of the framework;
 // what it throws is reported on the log channel "cppmicroservices::listeners" (a throwing
 // AddingService declines the service) and tracking goes on.
-// Reading the best service (GetService) takes no lock of the tracker: it reads an
-// atomically published snapshot. BorrowService, for call paths, lends it through a slot of
-// the calling thread and costs two loads while nothing changes.
+// The best service is published as a snapshot with a stamp. BorrowService, for call paths,
+// lends it through a slot of the calling thread: while the stamp is the slot's, that is two
+// loads and a compare, with no lock and no reference taken; the first borrow after a change
+// refills the slot under the tracker's lock. GetService copies a reference out of the slot.
 #pragma once
 
 #include "cppmicroservices/BundleContext.h"
@@ -112,20 +113,21 @@ public:
     }
 
     // The best tracked service (highest service.ranking, then lowest service.id); null
-    // when none is tracked.
+    // when none is tracked. It refreshes this thread's slot as BorrowService does.
     std::shared_ptr<T> GetService() const
     {
-        const std::shared_ptr<const Best> best = best_.load(std::memory_order_acquire);
-        return best != nullptr ? best->service : nullptr;
+        T* service = BorrowService();
+        return service != nullptr ? std::shared_ptr<T>(detail::borrowSlots()[borrowSlot_].keep, service) : nullptr;
     }
 
     // The best tracked service, lent to the calling thread without a reference of the
     // caller's own; null when none is tracked. The pointer stays valid until the same thread
-    // borrows from this tracker again, or ends: the thread's slot keeps the service alive
-    // meanwhile, even when it is unregistered. So a caller may use it for the duration of
-    // a call, but must not keep it across a second BorrowService of this tracker on its
-    // thread; to keep a service longer, take GetService(). A service that goes away may live
-    // on in the slots of threads that borrowed it until they borrow again or end.
+    // borrows from this tracker again (BorrowService or GetService), or ends: the thread's
+    // slot keeps the service alive meanwhile, even when it is unregistered. So a caller may
+    // use it for the duration of a call, but must not keep it across a second borrow from
+    // this tracker on its thread; to keep a service longer, take GetService(). A service
+    // that goes away may live on in the slots of threads that borrowed it until they borrow
+    // again or end.
     T* BorrowService() const
     {
         const std::uint64_t stamp = stamp_.load(std::memory_order_acquire);
@@ -133,7 +135,7 @@ public:
         if (borrowSlot_ < slots.size() && slots[borrowSlot_].stamp == stamp) [[likely]] {
             return static_cast<T*>(const_cast<void*>(slots[borrowSlot_].service));
         }
-        return lend(stamp);
+        return lend();
     }
 
     std::shared_ptr<T> GetService(const ServiceReference<S>& reference) const
@@ -156,8 +158,8 @@ public:
     // The best tracked reference; an invalid one when none is tracked.
     ServiceReference<S> GetServiceReference() const
     {
-        const std::shared_ptr<const Best> best = best_.load(std::memory_order_acquire);
-        return best != nullptr ? best->reference : ServiceReference<S>();
+        const std::lock_guard lock(stateMutex_);
+        return best_ != nullptr ? best_->reference : ServiceReference<S>();
     }
 
     // Best first.
@@ -236,18 +238,24 @@ private:
     {
     }
 
-    // Fills this thread's slot from the published snapshot. The snapshot read is at least as
-    // new as stamp, which the slot is tagged with: a newer one is read again next time.
-    T* lend(std::uint64_t stamp) const
+    // Fills this thread's slot with the published snapshot and its stamp, read together.
+    T* lend() const
     {
         auto& slots = detail::borrowSlots();
         if (borrowSlot_ >= slots.size()) {
             slots.resize(borrowSlot_ + 1);
         }
-        std::shared_ptr<const Best> best = best_.load(std::memory_order_acquire);
-        T* service = best != nullptr ? best->service.get() : nullptr;
-        slots[borrowSlot_] = detail::BorrowSlot{stamp, service, std::move(best)};
-        return service;
+        detail::BorrowSlot filled;
+        {
+            const std::lock_guard lock(stateMutex_);
+            filled.stamp = stamp_.load(std::memory_order_relaxed);
+            filled.service = best_ != nullptr ? best_->service.get() : nullptr;
+            filled.keep = best_;
+        }
+        // The slot's earlier snapshot may be the last reference to a service: it goes here,
+        // outside the lock.
+        std::swap(slots[borrowSlot_], filled);
+        return static_cast<T*>(const_cast<void*>(slots[borrowSlot_].service));
     }
 
     std::vector<std::pair<ServiceReference<S>, std::shared_ptr<T>>> bestFirst() const
@@ -326,7 +334,7 @@ private:
         detail::callReporting([&] { customizer_->RemovedService(reference, service); }, customizerName);
     }
 
-    // Publishes the best entry for readers that take no lock; under stateMutex_.
+    // Publishes the best entry and a new stamp for borrowers; under stateMutex_.
     void publishLocked()
     {
         std::shared_ptr<const Best> next;
@@ -335,7 +343,7 @@ private:
                 tracked_.begin(), tracked_.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
             next = std::make_shared<const Best>(Best{reference, service});
         }
-        best_.store(std::move(next), std::memory_order_release);
+        best_ = std::move(next);
         stamp_.store(detail::nextBorrowStamp(), std::memory_order_release);
     }
 
@@ -350,8 +358,8 @@ private:
     std::condition_variable changed_;
     TrackingMap tracked_;
     int trackingCount_ = -1;
-    std::atomic<std::shared_ptr<const Best>> best_;
-    // Names the snapshot in best_; stored after it.
+    std::shared_ptr<const Best> best_;
+    // Names the snapshot in best_; changed with it, under stateMutex_.
     std::atomic<std::uint64_t> stamp_{0};
     const std::size_t borrowSlot_ = detail::acquireBorrowSlot();
 };
