@@ -17,6 +17,7 @@ PAIRS = [
     ("BM_AcceptExactScalar", "BM_RawAcceptExactScalar"),
     ("BM_ServiceLookupWithFilter", "BM_RawServiceLookup"),
     ("BM_TrackerGetService", "BM_RawAcquirePointerRead"),
+    ("BM_TrackerGetServiceShared", "BM_RawAcquirePointerRead"),
     ("BM_StringFromCharRow", "BM_RawStringFromCharRow"),
     ("BM_RuntimeInfoLookup", "BM_RawRuntimeInfoLookup"),
     ("BM_ArrayToLxeObject", "BM_RawArrayToLxeObject"),

@@ -117,6 +117,18 @@ void BundlePrivate::start(CoreContext& core)
         deactivate(core);
         throw std::runtime_error("bundle '" + symbolicName_ + "' failed to start: " + reason);
     }
+    if (!core.running()) {
+        // The framework stopped while the activator ran: from this thread (the activator or
+        // a listener stopped it, and its stop passed this starting bundle by), or from
+        // another one that now waits for this bundle. Either way it must not end active,
+        // and its services must not outlive the framework's.
+        try {
+            stopLocked(core);
+        } catch (const std::exception&) {
+            // Stopped regardless, as the framework's stop does.
+        }
+        throw std::runtime_error("bundle '" + symbolicName_ + "' did not start: the framework stopped meanwhile");
+    }
     setState(Bundle::STATE_ACTIVE);
     announce(core, BundleEvent::BUNDLE_STARTED);
 }
@@ -127,6 +139,11 @@ void BundlePrivate::stop(CoreContext& core)
     if (state() != Bundle::STATE_ACTIVE) {
         return;
     }
+    stopLocked(core);
+}
+
+void BundlePrivate::stopLocked(CoreContext& core)
+{
     setState(Bundle::STATE_STOPPING);
     announce(core, BundleEvent::BUNDLE_STOPPING);
     std::exception_ptr failure;

@@ -52,6 +52,8 @@ private:
     using DestroyActivator = void (*)(BundleActivator*);
 
     void createActivator();
+    // Runs the activator's Stop and deactivates, announcing both; under lifecycleMutex_.
+    void stopLocked(CoreContext& core);
     // Invalidates the context, unregisters the bundle's services, destroys the activator.
     void deactivate(CoreContext& core);
     void announce(CoreContext& core, BundleEvent::Type type);

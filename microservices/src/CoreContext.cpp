@@ -39,6 +39,9 @@ void CoreContext::initFramework()
     if (running()) {
         return;
     }
+    if (systemBundle_->state() == Bundle::STATE_STOPPING) {
+        throw std::runtime_error("cannot start the framework while it is stopping");
+    }
     systemBundle_->openContext();
     systemBundle_->setState(Bundle::STATE_STARTING);
 }
@@ -50,6 +53,11 @@ void CoreContext::startFramework()
     systemBundle_->setState(Bundle::STATE_ACTIVE);
 }
 
+// The bundles stop under no lock of the framework: a bundle's start may stop the framework
+// (from its activator or a listener) while holding that bundle's lock, so holding the
+// framework's lock while taking a bundle's would invert the order. A stop that finds the
+// framework stopping already, on this thread or another, returns at once: waiting could
+// wait for a bundle whose start is waiting for it. WaitForStop waits for the end.
 void CoreContext::stopFramework()
 {
     {
@@ -58,17 +66,20 @@ void CoreContext::stopFramework()
             return;
         }
         systemBundle_->setState(Bundle::STATE_STOPPING);
-        auto installed = bundles();
-        std::reverse(installed.begin(), installed.end());
-        for (const auto& bundle : installed) {
-            if (bundle != systemBundle_) {
-                try {
-                    bundle->stop(*this);
-                } catch (const std::exception&) {
-                    // A bundle that fails to stop is stopped regardless; the framework goes on.
-                }
+    }
+    auto installed = bundles();
+    std::reverse(installed.begin(), installed.end());
+    for (const auto& bundle : installed) {
+        if (bundle != systemBundle_) {
+            try {
+                bundle->stop(*this);
+            } catch (const std::exception&) {
+                // A bundle that fails to stop is stopped regardless; the framework goes on.
             }
         }
+    }
+    {
+        const std::lock_guard lock(frameworkMutex_);
         registry_->removeAll();
         systemBundle_->closeContext();
         const std::lock_guard stopLock(stopMutex_);

@@ -55,8 +55,9 @@ private:
     };
     Installed addBundles(const std::string& location);
 
-    // Serialises starting and stopping the framework itself; each bundle serialises its
-    // own start and stop, so that activators run under no lock of the framework.
+    // Serialises the framework's own changes of state; never held while a bundle starts or
+    // stops. Each bundle serialises its own start and stop, so that activators run under no
+    // lock of the framework.
     std::recursive_mutex frameworkMutex_;
 
     mutable std::mutex bundlesMutex_;

@@ -2,41 +2,23 @@
 
 #include "ServiceRecord.h"
 
-#include <foundation/log/Channel.hpp>
+#include "cppmicroservices/detail/CallbackFailure.h"
 
 #include <algorithm>
-#include <exception>
+#include <string>
+#include <utility>
 
 namespace cppmicroservices::detail {
 
 namespace {
 
-const foundation::log::Channel& listenerChannel()
-{
-    static const foundation::log::Channel& channel = foundation::log::channel("cppmicroservices::listeners");
-    return channel;
-}
-
-// Calls one listener; what it throws is reported and goes no further.
+// Calls one listener unless it was removed meanwhile; what it throws is reported.
 template <class Call>
-void callReporting(const EventListeners::Entry& entry, const char* kind, Call&& call)
+void callListener(const EventListeners::Entry& entry, const char* kind, Call&& call)
 {
-    if (entry.removed.load(std::memory_order_acquire)) {
-        return;
-    }
-    try {
-        call();
-    } catch (...) {
-        std::string reason = "an exception that is not a std::exception";
-        try {
-            throw;
-        } catch (const std::exception& error) {
-            reason = error.what();
-        } catch (...) {
-        }
-        foundation::log::logIf(listenerChannel(), 1, __FILE__, __LINE__, [&] {
-            return std::string(kind) + " listener " + std::to_string(entry.id) + " threw: " + reason;
-        });
+    if (!entry.removed.load(std::memory_order_acquire)) {
+        callReporting(std::forward<Call>(call),
+                      [&] { return std::string(kind) + " listener " + std::to_string(entry.id); });
     }
 }
 
@@ -122,7 +104,7 @@ void EventListeners::serviceChanged(ServiceEvent::Type type, const std::shared_p
     const ServiceEvent event = eventFor(type, record);
     for (const auto& entry : serviceListeners()) {
         if (acceptsRecord(*entry, *record)) {
-            callReporting(*entry, "service", [&] { entry->onService(event); });
+            callListener(*entry, "service", [&] { entry->onService(event); });
         }
     }
 }
@@ -135,9 +117,9 @@ void EventListeners::serviceModified(const Snapshot& listeners, const std::vecto
     for (std::size_t i = 0; i < listeners.size(); ++i) {
         const Entry& entry = *listeners[i];
         if (acceptsRecord(entry, *record)) {
-            callReporting(entry, "service", [&] { entry.onService(modified); });
+            callListener(entry, "service", [&] { entry.onService(modified); });
         } else if (matchedBefore[i]) {
-            callReporting(entry, "service", [&] { entry.onService(endMatch); });
+            callListener(entry, "service", [&] { entry.onService(endMatch); });
         }
     }
 }
@@ -145,7 +127,7 @@ void EventListeners::serviceModified(const Snapshot& listeners, const std::vecto
 void EventListeners::bundleChanged(const BundleEvent& event) const
 {
     for (const auto& entry : select(false)) {
-        callReporting(*entry, "bundle", [&] { entry->onBundle(event); });
+        callListener(*entry, "bundle", [&] { entry->onBundle(event); });
     }
 }
 

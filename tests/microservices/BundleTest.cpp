@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 using namespace cppmicroservices;
@@ -140,6 +141,54 @@ TEST_F(BundleTest, AFailedStartLeavesTheBundleResolvedWithoutServices)
     EXPECT_EQ(bundle.GetState(), Bundle::STATE_RESOLVED);
     EXPECT_FALSE(bundle.GetBundleContext());
     EXPECT_TRUE(greetings().empty());
+}
+
+// A listener hearing the bundle's first service stops the framework from inside the start:
+// the framework's stop passes the starting bundle by, so the start itself must undo it
+// rather than leave it active in a stopped framework without its services.
+TEST_F(BundleTest, AFrameworkStoppedDuringAStartLeavesTheBundleResolved)
+{
+    Bundle bundle = installOne("greeter_a");
+    context_.AddServiceListener([this](const ServiceEvent& event) {
+        if (event.GetType() == ServiceEvent::SERVICE_REGISTERED) {
+            framework_.Stop();
+        }
+    });
+    EXPECT_THAT(failure([&] { bundle.Start(); }), HasSubstr("'greeter_a' did not start: the framework stopped"));
+    EXPECT_EQ(bundle.GetState(), Bundle::STATE_RESOLVED);
+    EXPECT_EQ(framework_.GetState(), Bundle::STATE_RESOLVED);
+
+    framework_.Start();
+    context_ = framework_.GetBundleContext();
+    EXPECT_TRUE(greetings().empty());
+    bundle.Start();
+    EXPECT_EQ(greetings(), std::vector<std::string>{"hello from a"});
+}
+
+// Another thread starts the bundle while the framework stops: whichever comes first, the
+// bundle is not left active once both are done, and no service of it remains.
+TEST(FrameworkLifecycle, AStopRacingABundleStartLeavesNoActiveBundle)
+{
+    constexpr int ROUNDS = 200;
+    Framework framework = FrameworkFactory().NewFramework();
+    framework.Start();
+    Bundle bundle = framework.GetBundleContext().InstallBundles((BUNDLES / "greeter_a").string()).at(0);
+    for (int round = 0; round < ROUNDS; ++round) {
+        framework.Start();
+        std::thread starter([&bundle] {
+            try {
+                bundle.Start();
+            } catch (const std::runtime_error&) {
+                // Too late: the framework had stopped, or stopped meanwhile.
+            }
+        });
+        framework.Stop();
+        starter.join();
+        ASSERT_NE(bundle.GetState(), Bundle::STATE_ACTIVE) << "round " << round;
+        framework.Start();
+        ASSERT_TRUE(framework.GetBundleContext().GetServiceReferences<Greeter>().empty()) << "round " << round;
+        framework.Stop();
+    }
 }
 
 TEST_F(BundleTest, BadLocationsAreNamed)

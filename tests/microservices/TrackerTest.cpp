@@ -119,6 +119,36 @@ TEST_F(TrackerTest, TracksServicesAsTheyComeChangeAndGoBestFirst)
                                             "removed 2"));
 }
 
+// A borrowed service follows the best one; the borrowing thread's slot keeps it alive after
+// it is unregistered, until that thread borrows from the tracker again. Threads and
+// trackers lend through slots of their own.
+TEST_F(TrackerTest, ABorrowedServiceFollowsTheBestAndLivesUntilTheNextBorrow)
+{
+    ServiceTracker<Source> tracker(context_);
+    ServiceTracker<Source> other(context_, LDAPFilter("(value=1)"));
+    EXPECT_EQ(tracker.BorrowService(), nullptr);
+    tracker.Open();
+    other.Open();
+    auto low = add(1);
+    EXPECT_EQ(tracker.BorrowService()->value(), 1);
+    auto high = add(2, 10);
+    const Source* borrowed = tracker.BorrowService();
+    ASSERT_EQ(borrowed->value(), 2);
+    const std::weak_ptr<Source> watched = tracker.GetService();
+
+    high.Unregister();
+    EXPECT_EQ(other.BorrowService()->value(), 1);
+    EXPECT_EQ(borrowed->value(), 2);
+    std::thread([&] { EXPECT_EQ(tracker.BorrowService()->value(), 1); }).join();
+    EXPECT_FALSE(watched.expired());
+    EXPECT_EQ(tracker.BorrowService()->value(), 1);
+    EXPECT_TRUE(watched.expired());
+
+    tracker.Close();
+    EXPECT_EQ(tracker.BorrowService(), nullptr);
+    EXPECT_EQ(other.BorrowService()->value(), 1);
+}
+
 TEST_F(TrackerTest, AFilterTrackerDropsServicesThatStopMatching)
 {
     ServiceTracker<Source> tracker(context_, LDAPFilter("(value>=2)"));
@@ -148,25 +178,55 @@ TEST_F(TrackerTest, WaitForServiceReturnsWhatAnotherThreadRegistersOrNullAfterTh
     EXPECT_EQ(service->value(), 7);
 }
 
-TEST_F(TrackerTest, ACustomizerThatThrowsIsReportedAndTheRegistryIsUnharmed)
+// A customizer that throws, whether on opening, on an event or on closing: each throw is
+// reported, the tracker goes on with the other services, another tracker sees everything,
+// and the registry keeps every service.
+TEST_F(TrackerTest, ACustomizerThatThrowsIsReportedAndTrackingGoesOn)
 {
     class Throwing : public ServiceTrackerCustomizer<Source> {
-        std::shared_ptr<Source> AddingService(const ServiceReference<Source>&) override
+    public:
+        explicit Throwing(BundleContext context) : context_(std::move(context)) {}
+        std::shared_ptr<Source> AddingService(const ServiceReference<Source>& reference) override
         {
-            throw std::runtime_error("no thanks");
+            auto service = context_.GetService(reference);
+            if (service->value() == 4) {
+                throw std::runtime_error("no thanks");
+            }
+            return service;
         }
         void ModifiedService(const ServiceReference<Source>&, const std::shared_ptr<Source>&) override {}
-        void RemovedService(const ServiceReference<Source>&, const std::shared_ptr<Source>&) override {}
-    } throwing;
+        void RemovedService(const ServiceReference<Source>&, const std::shared_ptr<Source>&) override
+        {
+            throw std::runtime_error("gone already");
+        }
+
+    private:
+        BundleContext context_;
+    } throwing(context_);
     const foundation::log::ScopedCapture capture("cppmicroservices::listeners");
     ServiceTracker<Source> tracker(context_, &throwing);
     ServiceTracker<Source> plain(context_);
+    auto four = add(4);
+    add(5);
     tracker.Open();
     plain.Open();
+    add(6);
     add(4);
+    EXPECT_EQ(values(tracker.GetServices()), (std::vector<int>{5, 6}));
+    EXPECT_EQ(values(plain.GetServices()), (std::vector<int>{4, 5, 6, 4}));
+    four.Unregister();
+    tracker.Close();
     EXPECT_TRUE(tracker.IsEmpty());
-    EXPECT_EQ(plain.GetService()->value(), 4);
-    EXPECT_EQ(context_.GetServiceReferences<Source>().size(), 1u);
-    ASSERT_EQ(capture.records().size(), 1u);
-    EXPECT_THAT(capture.records()[0].text, HasSubstr("threw: no thanks"));
+    EXPECT_EQ(tracker.GetTrackingCount(), -1);
+    EXPECT_EQ(plain.Size(), 3u);
+    EXPECT_EQ(context_.GetServiceReferences<Source>().size(), 3u);
+
+    std::vector<std::string> texts;
+    for (const auto& record : capture.records()) {
+        texts.push_back(record.text);
+    }
+    EXPECT_THAT(texts, ElementsAre("service tracker customizer threw: no thanks",
+                                   "service tracker customizer threw: no thanks",
+                                   "service tracker customizer threw: gone already",
+                                   "service tracker customizer threw: gone already"));
 }

@@ -73,6 +73,35 @@ TEST(BuiltinServices, StartOnceFromTheInstallLayout) {
     EXPECT_EQ(started, 1);
 }
 
+// The handles follow the services: while the bundle is stopped they are null and a package
+// function is skipped with a log line; once it starts again the new services are used.
+TEST(BuiltinServices, HandlesFollowTheBundleAsItStopsAndStartsAgain) {
+    ASSERT_NE(builtinreg::getOCOSRegWrapper(), nullptr);
+    const auto bundles = frameworkContext().GetBundles();
+    const auto bundle = std::find_if(bundles.begin(), bundles.end(), [](const cppmicroservices::Bundle& b) {
+        return b.GetSymbolicName() == "builtinservices";
+    });
+    ASSERT_NE(bundle, bundles.end());
+
+    auto builtinServices = *bundle;
+    builtinServices.Stop();
+    EXPECT_EQ(builtinreg::getStringSupport(), nullptr);
+    EXPECT_EQ(builtinreg::getOCOSRegWrapper(), nullptr);
+    EXPECT_EQ(builtinreg::getLxeObjectRegister(), nullptr);
+    {
+        const foundation::log::ScopedCapture log("builtinservice::registerpkgfcn");
+        EXPECT_FALSE(builtinreg::registerPackageFunctionHelper({"svc_test", "gone"}, "fcn", &fcnA));
+        EXPECT_EQ(log.records().size(), 1u);
+    }
+    EXPECT_EQ(ocos::findPackageFunction("svc_test.gone.fcn"), nullptr);
+
+    builtinServices.Start();
+    ASSERT_NE(builtinreg::getStringSupport(), nullptr);
+    ASSERT_NE(builtinreg::getLxeObjectRegister(), nullptr);
+    EXPECT_TRUE(builtinreg::registerPackageFunctionHelper({"svc_test", "back"}, "fcn", &fcnA));
+    EXPECT_EQ(ocos::findPackageFunction("svc_test.back.fcn"), &fcnA);
+}
+
 TEST(ModuleHelpers, LibraryPathAppendsBelowTheRootAndRejectsNull) {
     const auto root = builtinreg::getBuiltinLibraryPath(u"");
     EXPECT_EQ(builtinreg::getBuiltinLibraryPath(u"bin/lnxv64"), root / "bin" / "lnxv64");

@@ -1,8 +1,12 @@
 // Threads call a builtin of the sample library while another thread stops and starts the
 // library's bundle over and over. Each call either finds the builtin among the libraries
 // tracked when it looked and runs it to the right answer (the snapshot keeps the library
-// alive until the call returns), or finds no such builtin; nothing else may happen.
+// alive until the call returns), or finds no such builtin; nothing else may happen. The
+// same holds for the host's own service handles while the builtin-services bundle cycles.
 #include "Libraries.hpp"
+
+#include <builtin/services/ServiceHandles.hpp>
+#include <strings/StringArray.hpp>
 
 #include <foundation/cppmicroservices/framework.hpp>
 #include <matrix/oxArray.hpp>
@@ -18,6 +22,7 @@ namespace {
 
 constexpr int CALLERS = 3;
 constexpr int CYCLES = 1000;
+constexpr int SERVICE_CYCLES = 300;
 
 cppmicroservices::Bundle bundleNamed(const std::string& name) {
     for (const auto& bundle : foundation::cppmicroservices::getFramework()->GetBundleContext().GetBundles()) {
@@ -67,6 +72,41 @@ TEST(LibrariesComeAndGo, CallsFinishOrFindNothingWhileTheBundleStopsAndStarts) {
     EXPECT_GT(ran.load(), 0);
     const auto snapshot = libraries.snapshot();
     EXPECT_NE(orvex::findBuiltin(snapshot->builtins, "plus"), nullptr);
+}
+
+// A borrowed handle stays usable for the call at hand even when its service goes meanwhile;
+// each fetch either finds the service published now or finds none.
+TEST(LibrariesComeAndGo, HostServiceHandlesServeOrAreNullWhileTheirBundleStopsAndStarts) {
+    ASSERT_NE(Velloc::builtin::builtinreg::getStringSupport(), nullptr);
+    cppmicroservices::Bundle bundle = bundleNamed("builtinservices");
+    ASSERT_TRUE(bundle);
+
+    std::atomic<bool> cycling{true};
+    std::atomic<int> served{0};
+    std::vector<std::jthread> callers;
+    for (int t = 0; t < CALLERS; ++t) {
+        callers.emplace_back([&] {
+            const Velloc::String::String text(u"t\u00e9xt");
+            while (cycling.load()) {
+                const auto* strings = Velloc::builtin::builtinreg::getStringSupport();
+                if (strings == nullptr) {
+                    continue;
+                }
+                const matrix::ArrayPtr array(strings->stringToOxArray(&text, nullptr));
+                EXPECT_EQ(Velloc::String::getStringElement(array.get(), 0), text);
+                served.fetch_add(1);
+            }
+        });
+    }
+    for (int cycle = 0; cycle < SERVICE_CYCLES; ++cycle) {
+        bundle.Stop();
+        bundle.Start();
+    }
+    cycling.store(false);
+    callers.clear();
+
+    EXPECT_GT(served.load(), 0);
+    EXPECT_NE(Velloc::builtin::builtinreg::getStringSupport(), nullptr);
 }
 
 } // namespace

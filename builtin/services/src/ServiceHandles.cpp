@@ -1,6 +1,8 @@
 #include <builtin/services/ServiceHandles.hpp>
 #include <builtin/services/findService.hpp>
 
+#include <cppmicroservices/ServiceTracker.h>
+
 #include <atomic>
 #include <memory>
 
@@ -8,32 +10,49 @@ namespace Velloc::builtin::builtinreg {
 
 namespace {
 
-// The handle of a service, published once: the first lookup to finish wins and the others
-// drop their answer. No lock or one-time guard is held while looking up, because the
-// lookup may start the builtin-services bundle, which waits for a module start in
-// progress on another thread, and that module's activator may be waiting for this very
-// handle. The handle is never freed.
+// The tracker of one service, null when no framework runs.
 template <class Service>
-const std::shared_ptr<Service>& handleOf() {
-    static std::atomic<const std::shared_ptr<Service>*> published{nullptr};
-    if (const auto* handle = published.load(std::memory_order_acquire)) {
-        return *handle;
+struct TrackedService {
+    std::unique_ptr<cppmicroservices::ServiceTracker<Service>> tracker;
+};
+
+template <class Service>
+TrackedService<Service> openTracker() {
+    loadBuiltinServices();
+    const auto framework = foundation::cppmicroservices::getFramework();
+    if (!framework) {
+        return {};
     }
-    auto found = std::make_unique<const std::shared_ptr<Service>>(findService<Service>());
-    const std::shared_ptr<Service>* earlier = nullptr;
-    if (published.compare_exchange_strong(earlier, found.get(), std::memory_order_acq_rel,
-                                          std::memory_order_acquire)) {
-        return *found.release();
+    auto tracker = std::make_unique<cppmicroservices::ServiceTracker<Service>>(framework->GetBundleContext());
+    tracker->Open();
+    return {std::move(tracker)};
+}
+
+// The tracker is published once: the first to finish opening one wins and the others close
+// theirs. No lock or one-time guard is held while opening, because opening may start the
+// builtin-services bundle, which waits for a module start in progress on another thread,
+// and that module's activator may be waiting for this very handle. The tracker lives until
+// the process exits.
+template <class Service>
+Service* handleOf() {
+    static std::atomic<const TrackedService<Service>*> published{nullptr};
+    const TrackedService<Service>* tracked = published.load(std::memory_order_acquire);
+    if (tracked == nullptr) {
+        auto opened = std::make_unique<const TrackedService<Service>>(openTracker<Service>());
+        if (published.compare_exchange_strong(tracked, opened.get(), std::memory_order_acq_rel,
+                                              std::memory_order_acquire)) {
+            tracked = opened.release();
+        }
     }
-    return *earlier;
+    return tracked->tracker ? tracked->tracker->BorrowService() : nullptr;
 }
 
 } // namespace
 
-const std::shared_ptr<StringSupport>& getStringSupport() { return handleOf<StringSupport>(); }
+StringSupport* getStringSupport() { return handleOf<StringSupport>(); }
 
-const std::shared_ptr<IOCOSRegWrapper>& getOCOSRegWrapper() { return handleOf<IOCOSRegWrapper>(); }
+IOCOSRegWrapper* getOCOSRegWrapper() { return handleOf<IOCOSRegWrapper>(); }
 
-const std::shared_ptr<ILxeObjectRegister>& getLxeObjectRegister() { return handleOf<ILxeObjectRegister>(); }
+ILxeObjectRegister* getLxeObjectRegister() { return handleOf<ILxeObjectRegister>(); }
 
 } // namespace Velloc::builtin::builtinreg

@@ -1,8 +1,12 @@
 // Follows the services of one interface (or those matching a filter) as they come, change
 // and go, and keeps the best one at hand. Changes are handled one at a time per tracker,
-// on the thread that made them, and the customizer runs under no lock of the framework.
-// Reading the best service (GetService) takes no lock of the tracker: it reads an
-// atomically published snapshot.
+// on the thread that made them, and the customizer runs under no lock of the framework;
+// what it throws is reported on the log channel "cppmicroservices::listeners" (a throwing
+// AddingService declines the service) and tracking goes on.
+// The best service is published as a snapshot with a stamp. BorrowService, for call paths,
+// lends it through a slot of the calling thread: while the stamp is the slot's, that is two
+// loads and a compare, with no lock and no reference taken; the first borrow after a change
+// refills the slot under the tracker's lock. GetService copies a reference out of the slot.
 #pragma once
 
 #include "cppmicroservices/BundleContext.h"
@@ -11,11 +15,14 @@
 #include "cppmicroservices/LDAPProp.h"
 #include "cppmicroservices/ServiceEvent.h"
 #include "cppmicroservices/ServiceTrackerCustomizer.h"
+#include "cppmicroservices/detail/BorrowSlots.h"
+#include "cppmicroservices/detail/CallbackFailure.h"
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <algorithm>
+#include <condition_variable>
+#include <cstdint>
 #include <unordered_map>
 #include <utility>
 #include <memory>
@@ -53,6 +60,10 @@ public:
         } catch (const std::exception&) {
             // The framework went first; its services are gone with it.
         }
+        // Threads' slots of this number let go of what they lent when the number's next
+        // tracker lends through them, or when the threads end. They are not touched here: a
+        // tracker may go after its thread's slots have.
+        detail::releaseBorrowSlot(borrowSlot_);
     }
 
     ServiceTracker(const ServiceTracker&) = delete;
@@ -97,16 +108,34 @@ public:
             publishLocked();
         }
         for (const auto& [reference, service] : removed) {
-            customizer_->RemovedService(reference, service);
+            detail::callReporting([&] { customizer_->RemovedService(reference, service); }, customizerName);
         }
     }
 
     // The best tracked service (highest service.ranking, then lowest service.id); null
-    // when none is tracked.
+    // when none is tracked. It refreshes this thread's slot as BorrowService does.
     std::shared_ptr<T> GetService() const
     {
-        const std::shared_ptr<const Best> best = best_.load(std::memory_order_acquire);
-        return best != nullptr ? best->service : nullptr;
+        T* service = BorrowService();
+        return service != nullptr ? std::shared_ptr<T>(detail::borrowSlots()[borrowSlot_].keep, service) : nullptr;
+    }
+
+    // The best tracked service, lent to the calling thread without a reference of the
+    // caller's own; null when none is tracked. The pointer stays valid until the same thread
+    // borrows from this tracker again (BorrowService or GetService), or ends: the thread's
+    // slot keeps the service alive meanwhile, even when it is unregistered. So a caller may
+    // use it for the duration of a call, but must not keep it across a second borrow from
+    // this tracker on its thread; to keep a service longer, take GetService(). A service
+    // that goes away may live on in the slots of threads that borrowed it until they borrow
+    // again or end.
+    T* BorrowService() const
+    {
+        const std::uint64_t stamp = stamp_.load(std::memory_order_acquire);
+        const auto& slots = detail::borrowSlots();
+        if (borrowSlot_ < slots.size() && slots[borrowSlot_].stamp == stamp) [[likely]] {
+            return static_cast<T*>(const_cast<void*>(slots[borrowSlot_].service));
+        }
+        return lend();
     }
 
     std::shared_ptr<T> GetService(const ServiceReference<S>& reference) const
@@ -129,8 +158,8 @@ public:
     // The best tracked reference; an invalid one when none is tracked.
     ServiceReference<S> GetServiceReference() const
     {
-        const std::shared_ptr<const Best> best = best_.load(std::memory_order_acquire);
-        return best != nullptr ? best->reference : ServiceReference<S>();
+        const std::lock_guard lock(stateMutex_);
+        return best_ != nullptr ? best_->reference : ServiceReference<S>();
     }
 
     // Best first.
@@ -209,6 +238,26 @@ private:
     {
     }
 
+    // Fills this thread's slot with the published snapshot and its stamp, read together.
+    T* lend() const
+    {
+        auto& slots = detail::borrowSlots();
+        if (borrowSlot_ >= slots.size()) {
+            slots.resize(borrowSlot_ + 1);
+        }
+        detail::BorrowSlot filled;
+        {
+            const std::lock_guard lock(stateMutex_);
+            filled.stamp = stamp_.load(std::memory_order_relaxed);
+            filled.service = best_ != nullptr ? best_->service.get() : nullptr;
+            filled.keep = best_;
+        }
+        // The slot's earlier snapshot may be the last reference to a service: it goes here,
+        // outside the lock.
+        std::swap(slots[borrowSlot_], filled);
+        return static_cast<T*>(const_cast<void*>(slots[borrowSlot_].service));
+    }
+
     std::vector<std::pair<ServiceReference<S>, std::shared_ptr<T>>> bestFirst() const
     {
         std::vector<std::pair<ServiceReference<S>, std::shared_ptr<T>>> entries;
@@ -219,6 +268,8 @@ private:
         std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return b.first < a.first; });
         return entries;
     }
+
+    static std::string customizerName() { return "service tracker customizer"; }
 
     static LDAPPropExpr interfaceExpression()
     {
@@ -249,9 +300,12 @@ private:
     {
         std::shared_ptr<T> service = GetService(reference);
         if (service) {
-            customizer_->ModifiedService(reference, service);
-        } else if (!(service = customizer_->AddingService(reference))) {
-            return;
+            detail::callReporting([&] { customizer_->ModifiedService(reference, service); }, customizerName);
+        } else {
+            detail::callReporting([&] { service = customizer_->AddingService(reference); }, customizerName);
+            if (!service) { // declined, or the customizer threw
+                return;
+            }
         }
         {
             const std::lock_guard lock(stateMutex_);
@@ -277,10 +331,10 @@ private:
             ++trackingCount_;
             publishLocked();
         }
-        customizer_->RemovedService(reference, service);
+        detail::callReporting([&] { customizer_->RemovedService(reference, service); }, customizerName);
     }
 
-    // Publishes the best entry for readers that take no lock; under stateMutex_.
+    // Publishes the best entry and a new stamp for borrowers; under stateMutex_.
     void publishLocked()
     {
         std::shared_ptr<const Best> next;
@@ -289,7 +343,8 @@ private:
                 tracked_.begin(), tracked_.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
             next = std::make_shared<const Best>(Best{reference, service});
         }
-        best_.store(std::move(next), std::memory_order_release);
+        best_ = std::move(next);
+        stamp_.store(detail::nextBorrowStamp(), std::memory_order_release);
     }
 
     BundleContext context_;
@@ -303,7 +358,10 @@ private:
     std::condition_variable changed_;
     TrackingMap tracked_;
     int trackingCount_ = -1;
-    std::atomic<std::shared_ptr<const Best>> best_;
+    std::shared_ptr<const Best> best_;
+    // Names the snapshot in best_; changed with it, under stateMutex_.
+    std::atomic<std::uint64_t> stamp_{0};
+    const std::size_t borrowSlot_ = detail::acquireBorrowSlot();
 };
 
 } // namespace cppmicroservices

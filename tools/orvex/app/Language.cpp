@@ -12,10 +12,13 @@ namespace orvex {
 
 namespace {
 
-const std::vector<LoadedBuiltin>* running = nullptr;
+const TrackedLibraries* running = nullptr;
 
+// Looks the name up among the libraries tracked now, so a library loaded or unloaded since
+// the language started is seen; the snapshot keeps the callee's library alive for the call.
 void callByName(std::string_view name, int nlhs, oxArray** plhs, int nrhs, oxArray** prhs) {
-    const Velloc::builtin::BuiltinFcn* builtin = findBuiltin(*running, name);
+    const auto snapshot = running->snapshot();
+    const Velloc::builtin::BuiltinFcn* builtin = findBuiltin(snapshot->builtins, name);
     if (builtin == nullptr) {
         throw std::invalid_argument("Unrecognized function '" + std::string(name) + "'.");
     }
@@ -24,8 +27,8 @@ void callByName(std::string_view name, int nlhs, oxArray** plhs, int nrhs, oxArr
 
 } // namespace
 
-Language::Language(const std::vector<LoadedBuiltin>& builtins) : current_(instance_) {
-    running = &builtins;
+Language::Language(const TrackedLibraries& libraries) : current_(instance_) {
+    running = &libraries;
     Velloc::lxe::setLanguageFunctionCaller(&callByName);
     if (std::getenv("FL_DIAG_TERMINATE") == nullptr) {
         foundation::core::diag::setTerminationsArmed(true);

@@ -71,7 +71,7 @@ int run(std::vector<std::string> args) {
     const orvex::TrackedLibraries libraries(bundles);
     const auto snapshot = libraries.snapshot();
     const std::vector<orvex::LoadedBuiltin>& builtins = snapshot->builtins;
-    const orvex::Language language(builtins);
+    const orvex::Language language(libraries);
     if (!isCommand) {
         std::ifstream file;
         if (!args.empty()) {

@@ -1,17 +1,20 @@
-// The host's services as the framework uses them: each is looked up on first use and the
-// handle kept until the process exits. A null handle means the service is missing.
+// The host's services as the framework uses them. Each handle follows its service from the
+// first use on: a service registered later (its bundle started late or again) is found, and
+// one that goes is missing from then on. A null handle means the service is missing now.
+//
+// The handles are borrowed: fetching one takes no lock and no reference. A handle stays
+// valid until the same thread fetches that service again, or ends, even if the service goes
+// meanwhile; so use it for the call at hand and fetch it anew next time.
 #pragma once
 
 #include <builtin/services/ILxeObjectRegister.hpp>
 #include <builtin/services/IOCOSRegWrapper.hpp>
 #include <builtin/services/StringSupport.hpp>
 
-#include <memory>
-
 namespace Velloc::builtin::builtinreg {
 
-const std::shared_ptr<StringSupport>& getStringSupport();
-const std::shared_ptr<IOCOSRegWrapper>& getOCOSRegWrapper();
-const std::shared_ptr<ILxeObjectRegister>& getLxeObjectRegister();
+StringSupport* getStringSupport();
+IOCOSRegWrapper* getOCOSRegWrapper();
+ILxeObjectRegister* getLxeObjectRegister();
 
 } // namespace Velloc::builtin::builtinreg
