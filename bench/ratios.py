@@ -11,7 +11,8 @@ import subprocess
 import sys
 
 # (benchmark, twin) pairs; a benchmark may have several twins. A "/N" suffix on the benchmark
-# pairs each size with the twin of the same size unless the twin names its own size.
+# pairs each size with the twin of the same size unless the twin names its own size. A third
+# element names the counter compared instead of the time.
 PAIRS = [
     ("BM_ClassifyScalarDouble", "BM_RawClassifyScalarDouble"),
     ("BM_AcceptExactScalar", "BM_RawAcceptExactScalar"),
@@ -46,7 +47,7 @@ PAIRS = [
     ("BM_ElementWiseHypotParallel", "BM_ElementWiseHypotSerial"),
     ("BM_ElementWiseHypotParallel", "Peer_NumPyHypot"),
     ("BM_InCachePlusParallel", "BM_InCachePlusSerial"),
-    ("BM_RegisteredVariantsHeap", "BM_PlainVariantCopiesHeap"),
+    ("BM_RegisteredVariantsHeap", "BM_PlainVariantCopiesHeap", "bytesPerVariant"),
     ("BM_InvokePlusAllocations", "BM_RawPlusAllocations"),
 ]
 
@@ -55,27 +56,34 @@ PAIRS = [
 DECORATIONS = re.compile(r"/(repeats:\d+|process_time|real_time)")
 
 
-def median_times(runs):
-    """real_time per benchmark: the median when the run was repeated, the single run otherwise."""
-    times = {}
+def median_runs(runs):
+    """Each benchmark's run: the median when the run was repeated, the single run otherwise."""
+    medians = {}
     for run in runs:
         if run.get("aggregate_name", "median") != "median":
             continue
-        name = DECORATIONS.sub("", run.get("run_name", run["name"]))
-        times[name] = run["real_time"] * {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run.get("time_unit", "ns")]
-    return times
+        medians[DECORATIONS.sub("", run.get("run_name", run["name"]))] = run
+    return medians
 
 
-def ratios(times):
+def measure(run, counter):
+    """The counter when one is named, else real_time in ns."""
+    if counter:
+        return run.get(counter)
+    return run["real_time"] * {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run.get("time_unit", "ns")]
+
+
+def ratios(runs):
     rows = []
-    for name, time in sorted(times.items()):
+    for name, run in sorted(runs.items()):
         base, _, size = name.partition("/")
-        for bench, twin in PAIRS:
+        for bench, twin, *counter in PAIRS:
             if bench != base:
                 continue
             twin_name = twin if "/" in twin or not size else f"{twin}/{size}"
-            if times.get(twin_name):
-                rows.append((name, twin_name, time / times[twin_name]))
+            counter = counter[0] if counter else None
+            if twin_name in runs and measure(runs[twin_name], counter) and measure(run, counter) is not None:
+                rows.append((name, twin_name, measure(run, counter) / measure(runs[twin_name], counter)))
     return rows
 
 
@@ -92,7 +100,7 @@ def plot(rows, target):
 set terminal png size 1100,{28 * len(rows) + 120} font ",9" noenhanced
 set output "{target}"
 set logscale x
-set xlabel "time relative to the twin (log scale; 1 = as fast as the twin)"
+set xlabel "ratio to the twin: time, or bytes for the heap pair (log scale; 1 = level with the twin)"
 set style fill solid 0.8
 set grid xtics
 unset key
@@ -109,7 +117,7 @@ plot $d using (1):0:(1):2:($0-0.35):($0+0.35):3:ytic(1) with boxxyerror lc rgb v
 
 def main(source, target):
     with open(source) as f:
-        rows = ratios(median_times(json.load(f)["benchmarks"]))
+        rows = ratios(median_runs(json.load(f)["benchmarks"]))
     if not rows:
         print("ratios: no benchmark with its twin in " + source, file=sys.stderr)
         return
