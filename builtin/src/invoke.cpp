@@ -13,7 +13,6 @@
 
 #include <boost/container/small_vector.hpp>
 
-#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -78,11 +77,11 @@ auto checkedIfArmed(const BuiltinVariant& variant, bool checked, const Run& run)
         return traced(variant, run);
     }
     const builtinreg::CallsORVEXCheckAsserted active(&variant);
-    const builtinreg::detail::AssertIfWarnings assertIfWarnings(variant);
-    std::optional<matrix::WarningCapture> capture;
-    if (!variant.mayRaiseWarnings) {
-        capture.emplace(assertIfWarnings);
+    if (variant.mayRaiseWarnings) {
+        return traced(variant, run);
     }
+    const builtinreg::detail::AssertIfWarnings assertIfWarnings(variant);
+    const matrix::WarningCapture capture(assertIfWarnings);
     return traced(variant, run);
 }
 

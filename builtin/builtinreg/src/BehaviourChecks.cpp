@@ -6,52 +6,38 @@
 #include <foundation/usm/usm.hpp>
 #include <lxe/LanguageCalls.hpp>
 
-#include <deque>
 #include <memory>
 #include <sstream>
-#include <stack>
 
 namespace Velloc::builtin {
 
 namespace {
 
-using ActiveVariants = std::stack<const BuiltinVariant*, std::deque<const BuiltinVariant*>>;
+using builtinreg::detail::ActiveVariants;
+using builtinreg::detail::foundStack;
 
 std::size_t activeVariantsId() {
     static const std::size_t id = foundation::usm::Detail<foundation::usm::scope::Ovm>::getNextID();
     return id;
 }
 
-// The active-variant stack of the instance current on this thread, as this thread last
-// found it: an instance keeps its stack until it is destroyed, and its serial number is
-// never reused, so an armed call looks the stack up once per thread and instance.
-struct FoundStack {
-    std::uint64_t serial = 0;
-    ActiveVariants* active = nullptr;
-};
-[[gnu::tls_model("initial-exec")]] constinit thread_local FoundStack foundStack;
-
-ActiveVariants* findActiveVariants(const foundation::usm::OvmInstance& instance) {
-    if (foundStack.active == nullptr || foundStack.serial != instance.serial()) {
-        ActiveVariants* active = instance.find<ActiveVariants>(activeVariantsId());
-        if (active == nullptr) {
-            return nullptr;
-        }
-        foundStack = {instance.serial(), active};
-    }
-    return foundStack.active;
-}
-
-ActiveVariants* findActiveVariants() {
+// The stack of the instance current on this thread, without making one.
+const ActiveVariants* findActiveVariants() {
     const foundation::usm::OvmInstance* instance = foundation::usm::OvmInstance::current();
-    return instance != nullptr ? findActiveVariants(*instance) : nullptr;
+    if (instance == nullptr) {
+        return nullptr;
+    }
+    if (foundStack.serial == instance->serial()) {
+        return foundStack.active;
+    }
+    return instance->find<ActiveVariants>(activeVariantsId());
 }
 
 void assertDoesNotCall(const ActiveVariants& active) {
-    if (active.empty() || active.top() == nullptr || active.top()->mayCallIntoOrvex) {
+    if (active.empty() || active.back() == nullptr || active.back()->mayCallIntoOrvex) {
         return;
     }
-    const BuiltinVariant& variant = *active.top();
+    const BuiltinVariant& variant = *active.back();
     foundation::core::diag::terminate(
         "The " + variant.cppFunctionName + " implementation of the ORVEX builtin function " +
             variant.orvexFunctionName + " is marked as not calling into orvex, but does." +
@@ -83,29 +69,24 @@ void vlDoesNotCallORVEXAssertion() {
 
 namespace builtinreg {
 
-CallsORVEXCheckAsserted::CallsORVEXCheckAsserted(const BuiltinVariant* variant) : pushed_(false) {
-    // The host runs the check on each call into the language once a guard has existed.
+namespace detail {
+
+[[gnu::tls_model("initial-exec")]] constinit thread_local FoundStack foundStack;
+
+ActiveVariants& noteActiveVariants(foundation::usm::OvmInstance& instance) {
+    // The host runs the check on each call into the language once a variant has been
+    // pushed; every push passes here first on its thread.
     static const bool checkInstalled = (lxe::setLanguageEntryCheck(&vlDoesNotCallORVEXAssertion), true);
     (void)checkInstalled;
-    ActiveVariants* active = findActiveVariants();
+    ActiveVariants* active = instance.find<ActiveVariants>(activeVariantsId());
     if (active == nullptr) {
-        if (foundation::usm::OvmInstance::current() == nullptr) {
-            return; // outside a language instance nothing is checked
-        }
-        active = &foundation::usm::insert(activeVariantsId(), std::make_unique<ActiveVariants>());
+        auto made = std::make_unique<ActiveVariants>();
+        made->reserve(16); // deeper nesting grows it
+        active = &instance.insert(activeVariantsId(), std::move(made));
     }
-    active->push(variant);
-    pushed_ = true;
+    foundStack = {instance.serial(), active};
+    return *active;
 }
-
-CallsORVEXCheckAsserted::~CallsORVEXCheckAsserted() {
-    if (pushed_) {
-        ActiveVariants* active = findActiveVariants();
-        (active != nullptr ? *active : foundation::usm::findOrFail<ActiveVariants>(activeVariantsId())).pop();
-    }
-}
-
-namespace detail {
 
 const foundation::log::Channel& executionChannel() {
     static const foundation::log::Channel& channel = foundation::log::channel("builtin2::invoke");

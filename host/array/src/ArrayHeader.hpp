@@ -48,8 +48,6 @@ inline oxArray* allocateScalar(oxClassID classId, std::uint32_t flags) {
     array->extras = nullptr;
     return array;
 }
-// Frees what allocateArray and the creation functions attached.
-void freeArray(oxArray* array);
 
 // Stores the element count of the dimensions in `product`; false when it overflows.
 bool multiplyDimensions(Dims dimensions, std::size_t& product);

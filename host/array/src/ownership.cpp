@@ -16,7 +16,7 @@ void setMark(oxArray* a, const char* function, std::uint32_t bits, bool set) {
 } // namespace
 
 oxArray* addReference(oxArray* a) {
-    detail::checkedArray(a, "matrix::addReference").referenceCount.fetch_add(1, std::memory_order_relaxed);
+    detail::holdReference(detail::checkedArray(a, "matrix::addReference"));
     return a;
 }
 

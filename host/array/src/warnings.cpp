@@ -23,21 +23,12 @@ WarningState& warningState() {
     return *state;
 }
 
-// Initial-exec: a capture is made around every checked builtin call, so one load rather
-// than a call.
-[[gnu::tls_model("initial-exec")]] constinit thread_local WarningCapture* innermostCapture = nullptr;
-
 } // namespace
 
-WarningCapture::WarningCapture(const void* target, Trampoline trampoline) noexcept
-    : target_(target), trampoline_(trampoline), previous_(innermostCapture) {
-    innermostCapture = this;
-}
-
-WarningCapture::~WarningCapture() { innermostCapture = previous_; }
+[[gnu::tls_model("initial-exec")]] constinit thread_local WarningCapture* detail::innermostCapture = nullptr;
 
 void handleWarning(const fl::ustring& message) {
-    if (const WarningCapture* capture = innermostCapture;
+    if (const WarningCapture* capture = detail::innermostCapture;
         capture != nullptr && capture->trampoline_(capture->target_, message)) {
         return;
     }

@@ -149,6 +149,14 @@ WarningHandler setWarningHandler(WarningHandler handler);
 // (a callable bool(const fl::ustring&) that outlives the capture); when it returns true
 // the warning is consumed and the handler never sees it. Captures nest: the innermost
 // one is asked.
+class WarningCapture;
+
+namespace detail {
+// The innermost capture of this thread. Initial-exec and inline: a capture is made around
+// every checked builtin call, so it must cost a few stores until a warning arrives.
+[[gnu::tls_model("initial-exec")]] extern constinit thread_local WarningCapture* innermostCapture;
+} // namespace detail
+
 class WarningCapture {
 public:
     template <class Callback>
@@ -156,13 +164,16 @@ public:
         : WarningCapture(&callback, [](const void* target, const fl::ustring& message) {
               return (*static_cast<const Callback*>(target))(message);
           }) {}
-    ~WarningCapture();
+    ~WarningCapture() { detail::innermostCapture = previous_; }
     WarningCapture(const WarningCapture&) = delete;
     WarningCapture& operator=(const WarningCapture&) = delete;
 
 private:
     using Trampoline = bool (*)(const void* target, const fl::ustring& message);
-    WarningCapture(const void* target, Trampoline trampoline) noexcept;
+    WarningCapture(const void* target, Trampoline trampoline) noexcept
+        : target_(target), trampoline_(trampoline), previous_(detail::innermostCapture) {
+        detail::innermostCapture = this;
+    }
     friend void handleWarning(const fl::ustring& message);
 
     const void* target_;

@@ -91,6 +91,21 @@ inline bool allFlagsSet(const oxArray* a, const char* function, std::uint32_t bi
     return (checkedArray(a, function).flags.load(std::memory_order_relaxed) & bits) == bits;
 }
 
+// Frees the array and what its creation attached, once its last reference is gone.
+void freeArray(oxArray* array);
+
+// One more reference on an array known to be valid: addReference without the check, for
+// a caller that takes a reference around a call and gives it back after.
+inline void holdReference(oxArray& array) noexcept { array.referenceCount.fetch_add(1, std::memory_order_relaxed); }
+
+// Gives back a reference taken with holdReference, freeing the array if it was the last
+// (another holder may have dropped its own meanwhile).
+inline void dropReference(oxArray& array) {
+    if (array.referenceCount.fetch_sub(1, std::memory_order_acq_rel) == 1) [[unlikely]] {
+        freeArray(&array);
+    }
+}
+
 } // namespace detail
 
 inline oxClassID getClassID(const oxArray* a) { return detail::checkedArray(a, "matrix::getClassID").classId; }

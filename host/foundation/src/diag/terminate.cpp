@@ -7,17 +7,20 @@
 #include <cstring>
 
 namespace foundation::core::diag {
-namespace {
+namespace detail {
 
-std::atomic<bool>& armedFlag() {
-    static std::atomic<bool> armed{[] {
-        const char* value = std::getenv("FL_DIAG_TERMINATE");
-        return value != nullptr && std::strcmp(value, "1") == 0;
-    }()};
-    return armed;
+constinit std::atomic<signed char> armedState{-1};
+
+bool armedFromEnvironment() {
+    const char* value = std::getenv("FL_DIAG_TERMINATE");
+    signed char unread = -1;
+    // A state set before the first read wins over the environment.
+    armedState.compare_exchange_strong(unread, value != nullptr && std::strcmp(value, "1") == 0 ? 1 : 0,
+                                       std::memory_order_relaxed);
+    return armedState.load(std::memory_order_relaxed) != 0;
 }
 
-} // namespace
+} // namespace detail
 
 void terminate(const std::string& message, const char* file, int line, const char* function) {
     // stdio rather than iostreams: this runs in processes whose state is already suspect.
@@ -32,10 +35,6 @@ void terminate(const std::string& message, ReportSite site, SourceLocation calle
     terminate(message, site.source, site.line, caller.function_name());
 }
 
-bool terminationsArmed() { return armedFlag().load(std::memory_order_relaxed); }
-
-void setTerminationsArmed(bool armed) { armedFlag().store(armed, std::memory_order_relaxed); }
+void setTerminationsArmed(bool armed) { detail::armedState.store(armed ? 1 : 0, std::memory_order_relaxed); }
 
 } // namespace foundation::core::diag
-
-bool fl_diag_terminate() { return foundation::core::diag::terminationsArmed(); }

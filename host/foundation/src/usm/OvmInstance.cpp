@@ -11,10 +11,9 @@ std::size_t Detail<Scope>::getNextID() {
 }
 template struct Detail<scope::Ovm>;
 
-namespace {
-// Initial-exec: read on every checked builtin call, so one load rather than a call.
+namespace detail {
 [[gnu::tls_model("initial-exec")]] constinit thread_local OvmInstance* currentInstance = nullptr;
-} // namespace
+} // namespace detail
 
 OvmInstance::OvmInstance() : serial_([] {
     static std::atomic<std::uint64_t> next{1};
@@ -22,8 +21,6 @@ OvmInstance::OvmInstance() : serial_([] {
 }()) {}
 
 OvmInstance::~OvmInstance() = default;
-
-OvmInstance* OvmInstance::current() noexcept { return currentInstance; }
 
 void* OvmInstance::findErased(std::size_t id, std::type_index type) const {
     std::lock_guard lock(mutex_);
@@ -36,11 +33,11 @@ void* OvmInstance::insertErased(std::size_t id, std::type_index type, ErasedObje
     return objects_.try_emplace(Key{id, type}, std::move(object)).first->second.get();
 }
 
-CurrentOvm::CurrentOvm(OvmInstance& instance) noexcept : previous_(currentInstance) {
-    currentInstance = &instance;
+CurrentOvm::CurrentOvm(OvmInstance& instance) noexcept : previous_(detail::currentInstance) {
+    detail::currentInstance = &instance;
 }
 
-CurrentOvm::~CurrentOvm() { currentInstance = previous_; }
+CurrentOvm::~CurrentOvm() { detail::currentInstance = previous_; }
 
 namespace detail {
 

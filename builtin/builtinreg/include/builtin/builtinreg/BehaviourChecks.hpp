@@ -7,6 +7,10 @@
 
 #include <fl/ustring.hpp>
 #include <foundation/log/Channel.hpp>
+#include <foundation/usm/usm.hpp>
+
+#include <cstdint>
+#include <vector>
 
 namespace Velloc::builtin {
 
@@ -16,17 +20,58 @@ void vlDoesNotCallORVEXAssertion();
 
 namespace builtinreg {
 
+namespace detail {
+
+// The variants running in one language instance, innermost last.
+using ActiveVariants = std::vector<const BuiltinVariant*>;
+
+// The active-variant stack of the instance current on this thread, as this thread last
+// found it: an instance keeps its stack until it is destroyed, and its serial number is
+// never reused (serials start at 1), so an armed call looks the stack up once per thread
+// and instance, and otherwise reads it here with a few loads.
+struct FoundStack {
+    std::uint64_t serial = 0;
+    ActiveVariants* active = nullptr;
+};
+[[gnu::tls_model("initial-exec")]] extern constinit thread_local FoundStack foundStack;
+
+// The stack of the instance, made if it has none yet, noted for this thread.
+ActiveVariants& noteActiveVariants(foundation::usm::OvmInstance& instance);
+
+// The stack of the instance current on this thread; null outside an instance.
+inline ActiveVariants* currentActiveVariants() {
+    foundation::usm::OvmInstance* instance = foundation::usm::OvmInstance::current();
+    if (instance == nullptr) {
+        return nullptr;
+    }
+    if (foundStack.serial == instance->serial()) [[likely]] {
+        return foundStack.active;
+    }
+    return &noteActiveVariants(*instance);
+}
+
+} // namespace detail
+
 // Marks a variant as running in the current language instance for the guard's
-// lifetime. Guards nest; without a current instance nothing is checked.
+// lifetime. Guards nest; without a current instance nothing is checked. Inline: an armed
+// call pays a push and a pop on a stack it already knows.
 class CallsORVEXCheckAsserted {
 public:
-    explicit CallsORVEXCheckAsserted(const BuiltinVariant* variant);
-    ~CallsORVEXCheckAsserted();
+    explicit CallsORVEXCheckAsserted(const BuiltinVariant* variant) : active_(detail::currentActiveVariants()) {
+        if (active_ != nullptr) {
+            active_->push_back(variant);
+        }
+    }
+    ~CallsORVEXCheckAsserted() {
+        if (active_ != nullptr) {
+            active_->pop_back();
+        }
+    }
     CallsORVEXCheckAsserted(const CallsORVEXCheckAsserted&) = delete;
     CallsORVEXCheckAsserted& operator=(const CallsORVEXCheckAsserted&) = delete;
 
 private:
-    bool pushed_;
+    detail::ActiveVariants* active_; // the stack pushed on, popped from the same
 };
 
 namespace detail {

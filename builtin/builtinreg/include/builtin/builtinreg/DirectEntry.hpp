@@ -24,7 +24,8 @@ template <class T>
 inline constexpr bool isArrayParameter = std::is_same_v<T, oxArray*> || std::is_same_v<T, const oxArray*>;
 
 // Gives back, however the call ends, the references taken on the host arrays passed to
-// the function, as the generic entry's parameters do.
+// the function, as the generic entry's parameters do. Inline, without the library's null
+// checks: invoke has already read every input's header.
 template <std::size_t N>
 class HeldInputs {
 public:
@@ -33,13 +34,14 @@ public:
     HeldInputs& operator=(const HeldInputs&) = delete;
     ~HeldInputs() {
         for (std::size_t i = 0; i < count_; ++i) {
-            matrix::destroyArray(arrays_[i]);
+            matrix::detail::dropReference(*arrays_[i]);
         }
     }
 
-    void hold(oxArray* array) {
+    void hold(oxArray* array) noexcept {
         if (array != nullptr) {
-            arrays_[count_++] = matrix::addReference(array);
+            matrix::detail::holdReference(*array);
+            arrays_[count_++] = array;
         }
     }
 

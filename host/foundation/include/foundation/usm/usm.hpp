@@ -33,6 +33,14 @@ struct Detail {
 };
 extern template struct Detail<scope::Ovm>;
 
+class OvmInstance;
+
+namespace detail {
+// The instance made current on this thread. Initial-exec: read on every checked builtin
+// call, so one load rather than a call into this library.
+[[gnu::tls_model("initial-exec")]] extern constinit thread_local OvmInstance* currentInstance;
+} // namespace detail
+
 class TypeError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -73,7 +81,7 @@ public:
     }
 
     // The instance made current on this thread, or null.
-    static OvmInstance* current() noexcept;
+    static OvmInstance* current() noexcept { return detail::currentInstance; }
 
     // A number no other instance of the process has had or will have, so that callers
     // may remember what they found in an instance without holding on to its address.

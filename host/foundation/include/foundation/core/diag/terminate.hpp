@@ -3,6 +3,7 @@
 
 #include <foundation/core/SourceLocation.hpp>
 
+#include <atomic>
 #include <string>
 
 namespace foundation::core::diag {
@@ -22,12 +23,26 @@ struct ReportSite {
 [[noreturn]] void terminate(const std::string& message, ReportSite site,
                             SourceLocation caller = SourceLocation::current());
 
+namespace detail {
+// 1 armed, 0 disarmed, -1 not yet read from the environment.
+extern constinit std::atomic<signed char> armedState;
+// Settles the state from the environment, unless it was set first, and returns it.
+bool armedFromEnvironment();
+} // namespace detail
+
 // Whether the checks that only run under diagnostics are armed. Initialised from the
-// environment variable FL_DIAG_TERMINATE ("1" arms them); tests may override it.
-bool terminationsArmed();
+// environment variable FL_DIAG_TERMINATE ("1" arms them); tests may override it. Inline:
+// every builtin call asks, so the answer is one load rather than a call into this library.
+inline bool terminationsArmed() {
+    const signed char state = detail::armedState.load(std::memory_order_relaxed);
+    if (state < 0) [[unlikely]] {
+        return detail::armedFromEnvironment();
+    }
+    return state != 0;
+}
 void setTerminationsArmed(bool armed);
 
 } // namespace foundation::core::diag
 
 // The host's query under its historical name.
-bool fl_diag_terminate();
+inline bool fl_diag_terminate() { return foundation::core::diag::terminationsArmed(); }
