@@ -23,6 +23,8 @@ PAIRS = [
     ("BM_RuntimeInfoLookup", "BM_RawRuntimeInfoLookup"),
     ("BM_ArrayToLxeObject", "BM_RawArrayToLxeObject"),
     ("BM_InlineCWrapperScalarPlus", "BM_DirectScalarPlus"),
+    ("BM_InlineCWrapperScalarPlus", "BM_BareThunkScalarPlus"),
+    ("BM_BareThunkScalarPlus", "BM_DirectScalarPlus"),
     ("BM_InvokeScalarPlus", "BM_Floor"),
     ("BM_InvokeScalarPlusChecksArmed", "BM_InvokeScalarPlus"),
     ("BM_InvokeBoxedScalar", "BM_InvokeScalarPlus"),

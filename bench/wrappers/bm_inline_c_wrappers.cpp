@@ -1,5 +1,7 @@
 // The cost of the engine calling a scalar developer function through its inline-C
 // wrapper, against the same function called through a function pointer.
+#include "bare_thunk.hpp"
+
 #include <builtin/builtinreg/InlineCWrappers.hpp>
 
 #include <benchmark/benchmark.h>
@@ -44,5 +46,19 @@ void BM_InlineCWrapperScalarPlus(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_InlineCWrapperScalarPlus);
+
+// The structure's floor: two dependent indirect calls, the thunk's and the function's,
+// with none of the thunk's tests.
+void BM_BareThunkScalarPlus(benchmark::State& state) {
+    bench_wrappers::InlineCResult (*volatile thunk)(const void*, const double*) = &bench_wrappers::bareThunk;
+    const void* callee = reinterpret_cast<const void*>(&plusDouble);
+    double arguments[] = {1.0, 2.0};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(arguments);
+        const bench_wrappers::InlineCResult result = thunk(callee, arguments);
+        benchmark::DoNotOptimize(readInlineCResult<double>(result));
+    }
+}
+BENCHMARK(BM_BareThunkScalarPlus);
 
 } // namespace
