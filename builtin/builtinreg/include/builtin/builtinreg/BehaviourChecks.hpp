@@ -22,7 +22,8 @@ namespace builtinreg {
 
 namespace detail {
 
-// The variants running in one language instance, innermost last.
+// The variants running in one language instance, innermost last. Unlocked: the host runs
+// a language instance on one thread at a time, and so does whatever calls builtins in it.
 using ActiveVariants = std::vector<const BuiltinVariant*>;
 
 // The active-variant stack of the instance current on this thread, as this thread last
