@@ -107,8 +107,9 @@ public:
             trackingCount_ = -1;
             publishLocked();
         }
-        for (const auto& [reference, service] : removed) {
-            detail::callReporting([&] { customizer_->RemovedService(reference, service); }, customizerName);
+        // Not a structured binding: clang before 16 cannot capture one in a lambda.
+        for (const auto& entry : removed) {
+            detail::callReporting([&] { customizer_->RemovedService(entry.first, entry.second); }, customizerName);
         }
     }
 
