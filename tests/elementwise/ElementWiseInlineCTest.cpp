@@ -260,11 +260,14 @@ TEST(ElementWiseInlineCDeathTest, anExceptionEscapingAnElementFunctionEndsThePro
     bool raised = false;
     const matrix::ArrayPtr a = arrayOf<double>({5000, 1}, iota(5000));
     const std::size_t k = WRAPPER_TYPE_INDEX<double>;
-    for (bool parallel : {false, true}) {
-        EXPECT_DEATH(elementWiseInlineC(&descriptor, &environment, raised, ElementWiseArguments{Parameter(a.get())},
-                                        nullptr, k, k, parallel),
-                     "what\\(\\): +element failed");
-    }
+    EXPECT_DEATH(elementWiseInlineC(&descriptor, &environment, raised, ElementWiseArguments{Parameter(a.get())},
+                                    nullptr, k, k, false),
+                 "what\\(\\): +element failed");
+    // Workers that throw at once all enter std::terminate; the runtime's handler then prints
+    // "terminate called recursively" from the second before the first has named the exception.
+    EXPECT_DEATH(elementWiseInlineC(&descriptor, &environment, raised, ElementWiseArguments{Parameter(a.get())},
+                                    nullptr, k, k, true),
+                 "terminate called");
 }
 
 } // namespace
