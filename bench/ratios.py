@@ -29,6 +29,8 @@ PAIRS = [
     ("BM_InvokeScalarPlusChecksArmed", "BM_InvokeScalarPlus"),
     ("BM_InvokeBoxedScalar", "BM_InvokeScalarPlus"),
     ("BM_InvokeSixteenVariantsLastMatches", "BM_InvokeScalarPlus"),
+    ("BM_InvokeSixteenVariantsLastMatches", "BM_InvokeOneVariantOverArrays"),
+    ("BM_InvokeOneVariantOverArrays", "BM_InvokeScalarPlus"),
     ("BM_InvokeSixteenVariantsLastMatches", "Peer_Pybind11SixteenOverloadsLastMatches"),
     ("BM_InvokeScalarPlus", "Peer_CPythonFloatAdd"),
     ("BM_InvokeScalarPlus", "Peer_NumPyAdd1x1"),

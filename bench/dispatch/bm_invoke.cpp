@@ -131,6 +131,17 @@ void BM_InvokeSixteenVariantsLastMatches(benchmark::State& state) {
 }
 BENCHMARK(BM_InvokeSixteenVariantsLastMatches);
 
+// The sixteenth variant alone: what the fifteen before it cost is the sixteen-variant call
+// over this one; what a function over host arrays costs is this one over the scalar call.
+void BM_InvokeOneVariantOverArrays(benchmark::State& state) {
+    static const BuiltinVariantLists lists{makeVariants<&anyPair>("f")};
+    static const RegisteredBuiltin builtin("f", "bench", "", lists, noDefaultImplementation("f"));
+    matrix::ArrayPtr a(matrix::createCharRow(u"a"));
+    matrix::ArrayPtr b(matrix::createCharRow(u"b"));
+    invokeRepeatedly(state, builtin, a.get(), b.get());
+}
+BENCHMARK(BM_InvokeOneVariantOverArrays);
+
 std::int32_t plusInt32(std::int32_t a, std::int32_t b) { return a + b; }
 float plusSingle(float a, float b) { return a + b; }
 

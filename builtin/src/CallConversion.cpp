@@ -3,6 +3,8 @@
 #include <builtin/builtinreg/ParameterConversion.hpp>
 #include <builtin/services/ServiceHandles.hpp>
 
+#include <matrix/oxArrayLayout.hpp>
+
 #include <complex>
 #include <type_traits>
 
@@ -60,15 +62,15 @@ Parameter toParameter(const VariantSignature& call, std::size_t position, const 
                 }
             }
         }
-        matrix::addReference(array);
+        matrix::detail::holdForCall(*array);
         matrix::clearTemporary(array);
     }
     return Parameter(array);
 }
 
 void releaseParameter(const Parameter& parameter) {
-    if (oxArray* const* array = boost::get<oxArray*>(&parameter)) {
-        matrix::destroyArray(*array);
+    if (oxArray* const* array = boost::get<oxArray*>(&parameter); array != nullptr && *array != nullptr) {
+        matrix::detail::releaseAfterCall(**array);
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -68,6 +69,38 @@ TEST(DirectEntry, HostArrayInputsAreHeldAndNoLongerTemporaryWhileTheFunctionRuns
     const matrix::ArrayPtr negative(matrix::createScalar(-1.0));
     EXPECT_THROW(call(f.builtin, {negative.get(), input.get()}), std::domain_error);
     EXPECT_EQ(matrix::getReferenceCount(input.get()), 1u) << "the reference is given back when the callee throws";
+}
+
+// A callee may keep an input by taking a reference of its own, whichever thread made it.
+oxArray* kept = nullptr;
+double keepSecond(double factor, oxArray* a) {
+    kept = matrix::addReference(a);
+    return scaleFirst(factor, a);
+}
+
+TEST(DirectEntry, HoldsAndKeptReferencesCountAlikeOnArraysMadeOnAnyThread) {
+    const Builtin direct(makeVariants<&keepSecond>("f"));
+    const Builtin generic(makeVariants<&keepSecond>("f", {.mayRaiseWarnings = true}));
+    ASSERT_TRUE(everyVariantHasADirectEntry(direct.builtin));
+    ASSERT_EQ(generic.builtin.getSearchedByInvokeNoLxe().front().directEntry, nullptr);
+    const matrix::ArrayPtr factor(matrix::createScalar(2.0));
+    for (const bool madeHere : {true, false}) {
+        for (const BuiltinFcn* builtin : {&direct.builtin, &generic.builtin}) {
+            oxArray* input = nullptr;
+            if (madeHere) {
+                input = matrix::createScalar(1.5);
+            } else {
+                std::thread([&] { input = matrix::createScalar(1.5); }).join();
+            }
+            EXPECT_EQ(*matrix::getTypedData<double>(call(*builtin, {factor.get(), input}).get()), 3.0);
+            EXPECT_EQ(seen.references, 3u) << "the caller's, the call's and the kept one";
+            EXPECT_EQ(matrix::getReferenceCount(input), 2u);
+            matrix::destroyArray(input);
+            EXPECT_EQ(matrix::getReferenceCount(kept), 1u);
+            EXPECT_EQ(*matrix::getTypedData<double>(kept), 1.5);
+            matrix::destroyArray(kept);
+        }
+    }
 }
 
 TEST(DirectEntry, ScalarsOfTheirOwnClassAreReadOthersTakeTheGenericEntry) {

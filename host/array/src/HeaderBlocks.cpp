@@ -1,8 +1,17 @@
 #include "HeaderBlocks.hpp"
 
+#include <atomic>
+
 namespace matrix::detail {
 
 constinit thread_local WaitingHeaders waitingHeaders;
+constinit thread_local std::uint64_t threadSerial = 0;
+
+std::uint64_t assignThreadSerial() noexcept {
+    static std::atomic<std::uint64_t> lastSerial{0};
+    threadSerial = lastSerial.fetch_add(1, std::memory_order_relaxed) + 1;
+    return threadSerial;
+}
 
 void registerDrain() noexcept {
     struct Drain {

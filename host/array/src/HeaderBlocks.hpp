@@ -45,10 +45,16 @@ inline void* popWaitingHeader() noexcept {
     return block;
 }
 
-// A default-initialised header in a fresh or recycled block.
+std::uint64_t assignThreadSerial() noexcept;
+
+// A header in a fresh or recycled block, owned by the calling thread and held by no call;
+// the creating function sets the other fields.
 inline oxArray* newHeader() {
     void* block = waitingHeaders.head != nullptr ? popWaitingHeader() : ::operator new(sizeof(oxArray));
-    return new (block) oxArray; // default-initialised: the creating function sets the fields
+    auto* array = new (block) oxArray;
+    array->ownerThread = threadSerial != 0 ? threadSerial : assignThreadSerial();
+    array->callHolds.store(0, std::memory_order_relaxed);
+    return array;
 }
 
 // Gives the header's block back; what the header points to is the caller's to free.

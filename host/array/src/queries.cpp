@@ -35,7 +35,8 @@ void completeDimensions(const oxArray* a) { detail::withDimensions(a, "matrix::c
 std::size_t getElementSize(oxClassID classId) { return detail::realElementSize(classId); }
 
 std::uint32_t getReferenceCount(const oxArray* a) {
-    return detail::checkedArray(a, "matrix::getReferenceCount").referenceCount.load(std::memory_order_relaxed);
+    const oxArray& array = detail::checkedArray(a, "matrix::getReferenceCount");
+    return array.referenceCount.load(std::memory_order_relaxed) + array.callHolds.load(std::memory_order_relaxed);
 }
 
 } // namespace matrix

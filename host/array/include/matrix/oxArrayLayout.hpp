@@ -7,6 +7,12 @@
 // separate DATA_ALIGNMENT-aligned block so that element-wise loops vectorise over it.
 // The flags word and the reference count are atomic because marks and references change
 // while other threads read.
+//
+// A call holds a reference on each host array it passes for as long as it runs. On the
+// thread that made the array that hold is counted in callHolds, which only that thread
+// writes, so it costs a load and a store instead of two locked read-modify-writes; on any
+// other thread it goes to the shared count. The caller's own reference outlives the call,
+// so a call's hold is never the last one.
 #pragma once
 
 #include <matrix/oxArray.hpp>
@@ -39,6 +45,10 @@ inline constexpr std::uint32_t OPAQUE_DIMENSIONS = 1u << 8;
 // What arrays other than plain numeric ones carry besides their header.
 struct ArrayExtras;
 
+// The calling thread's serial number: 0 until it makes its first array, then unique in
+// the process and never reused, so no other thread ever matches an array's owner.
+[[gnu::tls_model("initial-exec")]] extern constinit thread_local std::uint64_t threadSerial;
+
 } // namespace matrix::detail
 
 struct oxArray {
@@ -50,6 +60,8 @@ struct oxArray {
     std::size_t* dimensions;      // inlineDimensions, or a separate block for more dimensions
     void* data;                   // inlineData, a separate aligned block, another array's data, or null
     matrix::detail::ArrayExtras* extras; // null for plain numeric, logical and char arrays
+    std::uint64_t ownerThread;           // serial number of the thread that made the array
+    std::atomic<std::uint32_t> callHolds; // references held by calls on the owner thread
     std::size_t inlineDimensions[matrix::detail::INLINE_DIMENSIONS];
     alignas(16) std::byte inlineData[matrix::detail::INLINE_DATA_BYTES];
 };
@@ -103,6 +115,24 @@ inline void holdReference(oxArray& array) noexcept { array.referenceCount.fetch_
 inline void dropReference(oxArray& array) {
     if (array.referenceCount.fetch_sub(1, std::memory_order_acq_rel) == 1) [[unlikely]] {
         freeArray(&array);
+    }
+}
+
+// A reference held around a call on an array the caller keeps alive throughout; the
+// callee sees it in getReferenceCount. releaseAfterCall gives it back on the same thread.
+inline void holdForCall(oxArray& array) noexcept {
+    if (array.ownerThread == threadSerial) {
+        array.callHolds.store(array.callHolds.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    } else {
+        holdReference(array);
+    }
+}
+
+inline void releaseAfterCall(oxArray& array) {
+    if (array.ownerThread == threadSerial) {
+        array.callHolds.store(array.callHolds.load(std::memory_order_relaxed) - 1, std::memory_order_relaxed);
+    } else {
+        dropReference(array);
     }
 }
 

@@ -34,13 +34,13 @@ public:
     HeldInputs& operator=(const HeldInputs&) = delete;
     ~HeldInputs() {
         for (std::size_t i = 0; i < count_; ++i) {
-            matrix::detail::dropReference(*arrays_[i]);
+            matrix::detail::releaseAfterCall(*arrays_[i]);
         }
     }
 
     void hold(oxArray* array) noexcept {
         if (array != nullptr) {
-            matrix::detail::holdReference(*array);
+            matrix::detail::holdForCall(*array);
             arrays_[count_++] = array;
         }
     }
