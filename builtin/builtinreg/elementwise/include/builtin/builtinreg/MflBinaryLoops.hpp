@@ -9,6 +9,7 @@
 #pragma once
 
 #include <builtin/builtinreg/BroadcastBlocks.hpp>
+#include <builtin/builtinreg/ForEachIndex.hpp>
 #include <builtin/builtinreg/ThreadSanitizerHandoff.hpp>
 
 #include <oneapi/tbb/blocked_range.h>
@@ -62,9 +63,7 @@ void binaryOpSimpleParallelLoop(const A* a, const B* b, R* out, std::size_t n, c
     f.withKernel([&](const auto& kernel) {
         runChunks(n, f.threshold >= n, MAX_GRAIN, [&](std::size_t begin, std::size_t end) noexcept {
             auto k = kernel;
-            for (std::size_t i = begin; i < end; ++i) {
-                out[i] = k(a[i], b[i]);
-            }
+            forEachIndex(begin, end, [&](std::size_t i) { out[i] = k(a[i], b[i]); });
             k.finish();
         });
     });
@@ -76,9 +75,7 @@ void binaryOpScalarMatrixParallel(A a, const B* b, R* out, std::size_t n, const 
     f.withKernel([&](const auto& kernel) {
         runChunks(n, f.threshold >= n, MAX_GRAIN, [&](std::size_t begin, std::size_t end) noexcept {
             auto k = kernel;
-            for (std::size_t i = begin; i < end; ++i) {
-                out[i] = k(a, b[i]);
-            }
+            forEachIndex(begin, end, [&](std::size_t i) { out[i] = k(a, b[i]); });
             k.finish();
         });
     });
@@ -90,9 +87,7 @@ void binaryOpMatrixScalarParallel(const A* a, B b, R* out, std::size_t n, const 
     f.withKernel([&](const auto& kernel) {
         runChunks(n, f.threshold >= n, MAX_GRAIN, [&](std::size_t begin, std::size_t end) noexcept {
             auto k = kernel;
-            for (std::size_t i = begin; i < end; ++i) {
-                out[i] = k(a[i], b);
-            }
+            forEachIndex(begin, end, [&](std::size_t i) { out[i] = k(a[i], b); });
             k.finish();
         });
     });
@@ -120,18 +115,12 @@ void binaryOpMainLoopParallel(const A* a, const B* b, R* out, const BroadcastOpe
                 const B* const pb = b + cursor.offsetB();
                 if constexpr (Kind == B_VARIES) {
                     const A va = *pa;
-                    for (std::size_t i = 0; i < inner; ++i) {
-                        o[i] = k(va, pb[i]);
-                    }
+                    forEachIndex(0, inner, [&](std::size_t i) { o[i] = k(va, pb[i]); });
                 } else if constexpr (Kind == A_VARIES) {
                     const B vb = *pb;
-                    for (std::size_t i = 0; i < inner; ++i) {
-                        o[i] = k(pa[i], vb);
-                    }
+                    forEachIndex(0, inner, [&](std::size_t i) { o[i] = k(pa[i], vb); });
                 } else {
-                    for (std::size_t i = 0; i < inner; ++i) {
-                        o[i] = k(pa[i], pb[i]);
-                    }
+                    forEachIndex(0, inner, [&](std::size_t i) { o[i] = k(pa[i], pb[i]); });
                 }
             }
             k.finish();

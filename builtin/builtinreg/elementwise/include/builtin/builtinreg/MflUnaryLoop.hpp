@@ -15,9 +15,7 @@ void unaryOpLoop(const A* a, R* out, std::size_t n, bool serial, std::size_t gra
     f.withKernel([&](const auto& kernel) {
         mfl_binary::runChunks(n, serial, grain, [&](std::size_t begin, std::size_t end) noexcept {
             auto k = kernel;
-            for (std::size_t i = begin; i < end; ++i) {
-                out[i] = k(a[i]);
-            }
+            forEachIndex(begin, end, [&](std::size_t i) { out[i] = k(a[i]); });
             k.finish();
         });
     });
