@@ -63,7 +63,7 @@ Parameter toParameter(const VariantSignature& call, std::size_t position, const 
             }
         }
         matrix::detail::holdForCall(*array);
-        matrix::clearTemporary(array);
+        matrix::detail::clearTemporaryMark(*array);
     }
     return Parameter(array);
 }

@@ -118,6 +118,15 @@ inline void dropReference(oxArray& array) {
     }
 }
 
+// What a call does to every input it passes as a host array: the callee may keep it, so
+// it is no longer a temporary. Most inputs are not, and a read costs less than the locked
+// write that clears the mark.
+inline void clearTemporaryMark(oxArray& array) noexcept {
+    if ((array.flags.load(std::memory_order_relaxed) & flag::TEMPORARY) != 0) [[unlikely]] {
+        array.flags.fetch_and(~flag::TEMPORARY, std::memory_order_relaxed);
+    }
+}
+
 // A reference held around a call on an array the caller keeps alive throughout; the
 // callee sees it in getReferenceCount. releaseAfterCall gives it back on the same thread.
 inline void holdForCall(oxArray& array) noexcept {

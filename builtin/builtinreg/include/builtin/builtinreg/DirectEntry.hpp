@@ -38,9 +38,11 @@ public:
         }
     }
 
+    // Held for the call and no longer a temporary, since the callee may keep it.
     void hold(oxArray* array) noexcept {
         if (array != nullptr) {
             matrix::detail::holdForCall(*array);
+            matrix::detail::clearTemporaryMark(*array);
             arrays_[count_++] = array;
         }
     }
@@ -49,15 +51,6 @@ private:
     oxArray* arrays_[N > 0 ? N : 1] = {};
     std::size_t count_ = 0;
 };
-
-// What invoke does to every input it passes as a host array: the callee may keep it, so
-// it is no longer a temporary.
-inline void clearTemporaryMark(oxArray* array) {
-    if (array != nullptr &&
-        (array->flags.load(std::memory_order_relaxed) & matrix::detail::flag::TEMPORARY) != 0) [[unlikely]] {
-        matrix::clearTemporary(array);
-    }
-}
 
 // BoxedScalars: the variant declares its scalar inputs as host arrays (a boxed copy), so
 // the generic path passes those arrays too and clears their temporary marks.
@@ -104,12 +97,11 @@ struct DirectEntryOf {
     static Arg<I> argument(oxArray* array, HeldInputs<N>& held) {
         if constexpr (isParameterValue<Arg<I>>) {
             if constexpr (BoxedScalars) {
-                clearTemporaryMark(array);
+                matrix::detail::clearTemporaryMark(*array);
             }
             return *static_cast<const Arg<I>*>(array->data);
         } else {
             held.hold(array);
-            clearTemporaryMark(array);
             return array;
         }
     }
