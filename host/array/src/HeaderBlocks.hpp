@@ -22,7 +22,7 @@ struct WaitingBlock {
 // process's) still find it; once closed, blocks go straight back to the allocator.
 struct WaitingHeaders {
     // Enough for the results and temporaries a chain of scalar calls keeps alive at once;
-    // 7 KiB per thread at most.
+    // 8 KiB per thread at most.
     static constexpr unsigned MAX_WAITING = 64;
 
     WaitingBlock* head = nullptr;
