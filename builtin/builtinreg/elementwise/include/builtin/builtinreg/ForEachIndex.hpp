@@ -18,6 +18,13 @@ template <class Body>
 }
 #endif
 
+template <class Body>
+void forEachIndexBaseline(std::size_t begin, std::size_t end, Body& body) {
+    for (std::size_t i = begin; i < end; ++i) {
+        body(i);
+    }
+}
+
 // body(i) for i from begin to end.
 template <class Body>
 void forEachIndex(std::size_t begin, std::size_t end, Body&& body) {
@@ -27,9 +34,7 @@ void forEachIndex(std::size_t begin, std::size_t end, Body&& body) {
         return;
     }
 #endif
-    for (std::size_t i = begin; i < end; ++i) {
-        body(i);
-    }
+    forEachIndexBaseline(begin, end, body);
 }
 
 } // namespace Velloc::builtin::builtinreg::detail
