@@ -102,8 +102,8 @@ TEST_F(DataBlocks, ASizeWhoseHugePagesCannotBeCountedIsRefused) {
 
 TEST_F(DataBlocks, ABlockGivenBackTwiceEndsTheProcess) {
     void* block = matrix::detail::allocateData(2 * MIB, 64);
-    matrix::detail::freeData(block, 64);
-    EXPECT_DEATH(matrix::detail::freeData(block, 64), "a data block was given back twice");
+    matrix::detail::freeData(block);
+    EXPECT_DEATH(matrix::detail::freeData(block), "a data block was given back twice");
 }
 
 #if defined(__SANITIZE_ADDRESS__)

@@ -92,7 +92,7 @@ oxArray* allocateArray(Dims dimensions, oxClassID classId, std::uint32_t flags, 
 void freeArray(oxArray* array) {
     const bool ownsSeparateData = array->data != nullptr && array->data != array->inlineData &&
                                   (array->extras == nullptr || !array->extras->dataOwner);
-    if (ownsSeparateData) freeData(array->data, DATA_ALIGNMENT);
+    if (ownsSeparateData) freeData(array->data);
     if (array->dimensions != array->inlineDimensions) delete[] array->dimensions;
     delete array->extras;
     deleteHeader(array);

@@ -184,7 +184,7 @@ void* allocateData(std::size_t bytes, std::size_t alignment) {
     return reinterpret_cast<void*>(data);
 }
 
-void freeData(void* data, std::size_t) noexcept {
+void freeData(void* data) noexcept {
     // Only a huge-page-aligned address can be a large block; the others skip the lock.
     if (reinterpret_cast<std::uintptr_t>(data) % HUGE_PAGE_BYTES == 0 && largeBlocks().release(data)) return;
     std::free(static_cast<void**>(data)[-1]);

@@ -9,8 +9,8 @@ namespace matrix::detail {
 // LARGE_BLOCK_BYTES or more come aligned to a huge page, from the cache when it holds
 // one of the same capacity.
 void* allocateData(std::size_t bytes, std::size_t alignment);
-// Takes back what allocateData gave with the same alignment; large blocks go to the cache
+// Takes back what allocateData gave, whatever its alignment; large blocks go to the cache
 // while it has room. A large block given back twice ends the process.
-void freeData(void* data, std::size_t alignment) noexcept;
+void freeData(void* data) noexcept;
 
 } // namespace matrix::detail

@@ -1,8 +1,9 @@
 // The innermost loops of the element-wise kernels, compiled twice on x86-64: for the
-// baseline target (two doubles per instruction) and for AVX2 (four), the copy chosen per
-// chunk by what the processor has, as NumPy chooses its loops. The element function is
-// inlined into both copies. AVX2 alone brings no fused multiply-add, so nothing is
-// contracted that the baseline copy computes in two steps: both give the same results.
+// baseline target (two doubles per instruction) and for AVX2 (four), the copy chosen each
+// time an inner loop starts by what the processor has (one load of its feature bits), as
+// NumPy chooses its loops. The element function is inlined into both copies. AVX2 alone
+// brings no fused multiply-add, so nothing is contracted that the baseline copy computes
+// in two steps: both give the same results.
 #pragma once
 
 #include <cstddef>
