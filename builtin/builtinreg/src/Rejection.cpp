@@ -1,5 +1,7 @@
 #include <builtin/builtinreg/Rejection.hpp>
 
+#include "ObjectClassText.hpp"
+
 #include <builtin/types/ArgType.hpp>
 
 #include <string>
@@ -30,8 +32,12 @@ std::size_t firstRefusedInput(const BuiltinVariant& variant, const VariantSignat
 } // namespace
 
 std::string describeArgument(const VariantSignature& call, std::size_t position) {
-    if (call.getArray(position) == nullptr) {
+    const oxArray* array = call.getArray(position);
+    if (array == nullptr) {
         return "a null array";
+    }
+    if (const std::string object = detail::describeObjectArray(array); !object.empty()) {
+        return object;
     }
     const std::string text = types::toString(call.getArgType(position), ArgTypeDirection::INPUT, position);
     return text.empty() ? "a value of no supported type" : text;
@@ -57,7 +63,8 @@ std::string describeRejection(const BuiltinVariant& variant, const VariantSignat
         return "element-wise: the array arguments do not broadcast against each other";
     }
     return "input " + std::to_string(refused + 1) + " is " + describeArgument(call, refused) +
-           ", the variant takes " + variant.inputTypes[refused];
+           ", the variant takes " +
+           detail::describeDeclaredObject(variant.inputArgTypes[refused], variant.inputTypes[refused]);
 }
 
 } // namespace Velloc::builtin::builtinreg
