@@ -16,8 +16,8 @@ namespace lxebuffer {
 // is its size. Indices are double arrays of positive integers.
 Velloc::lxe::LxeObjectDefaultIndexingMethods bufferIndexing();
 
-// Adds create (static), append, size and values to the class, with a finder that knows
-// their code.
+// Adds create and the constructor Buffer (static), append, size, values, display and
+// getProperty to the class, with a finder that knows their code.
 void addBufferMethods(ocos::COSClass& cls);
 
 // total(buffer), published as the library "lxebuffer"; made once the class is registered.
