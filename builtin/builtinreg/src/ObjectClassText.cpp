@@ -1,12 +1,18 @@
 #include "ObjectClassText.hpp"
 
-#include <ocos/ClassNames.hpp>
+#include <ocos/ClassRegistry.hpp>
 
 #include <optional>
 
 namespace Velloc::builtin::builtinreg::detail {
 
 namespace {
+
+// "class 'counter.Counter'", or "class 42" for an id that names no class.
+std::string classText(oxClassID classId) {
+    const ocos::COSClass* cls = ocos::findClass(classId);
+    return cls != nullptr ? "class '" + cls->getName() + "'" : "class " + std::to_string(classId);
+}
 
 // The specific class-object class a declared type takes.
 std::optional<oxClassID> declaredObjectClass(const types::ArgType& declared) {
@@ -28,7 +34,7 @@ std::string describeObjectArray(const oxArray* array) {
     if (!types::isObjectClass(classId)) {
         return {};
     }
-    const std::string cls = "class '" + ocos::describeClass(classId) + "'";
+    const std::string cls = classText(classId);
     if (matrix::isScalar(array)) {
         return "an object of " + cls;
     }
@@ -44,7 +50,7 @@ std::string describeDeclaredObject(const types::ArgType& declared, std::string_v
     if (!classId) {
         return std::string(text);
     }
-    return "an object of class '" + ocos::describeClass(*classId) + "' (" + std::string(text) + ")";
+    return "an object of " + classText(*classId) + " (" + std::string(text) + ")";
 }
 
 } // namespace Velloc::builtin::builtinreg::detail

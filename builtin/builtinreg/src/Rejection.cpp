@@ -36,11 +36,12 @@ std::string describeArgument(const VariantSignature& call, std::size_t position)
     if (array == nullptr) {
         return "a null array";
     }
-    if (const std::string object = detail::describeObjectArray(array); !object.empty()) {
-        return object;
-    }
     const std::string text = types::toString(call.getArgType(position), ArgTypeDirection::INPUT, position);
-    return text.empty() ? "a value of no supported type" : text;
+    if (text.empty()) {
+        return "a value of no supported type";
+    }
+    const std::string object = detail::describeObjectArray(array);
+    return object.empty() ? text : object;
 }
 
 std::string describeRejection(const BuiltinVariant& variant, const VariantSignature& call) {
