@@ -55,7 +55,6 @@ bool registerLxeObjectDefaultIndexingMethodsFor(const std::type_info& cppClass, 
 // Registering what a class variant has registered already changes nothing; a registration
 // that conflicts with it (another flag, other default indexing methods) is logged and
 // refused, so that the first stays in force.
-
 bool registerLxeObjectHelper(const std::string& className, std::size_t variantId);
 bool registerLxeObjectHelper(const std::string& className, std::size_t variantId, bool flag);
 bool registerLxeObjectDefaultIndexingMethodsHelper(const std::string& className, std::size_t variantId, bool flag,
