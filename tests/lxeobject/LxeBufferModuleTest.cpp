@@ -6,6 +6,7 @@
 #include <lxebuffer/Buffer.hpp>
 
 #include <builtin/lxeobject/LxeObjectBridge.hpp>
+#include <builtin/lxeobject/LxeObjectManifest.hpp>
 #include <builtin/lxeobject/LxeObjectRuntimeInfo.hpp>
 
 #include <lxe/LxeObjectArrays.hpp>
@@ -55,6 +56,9 @@ TEST(LxeBufferModule, ItsManifestDeclaresTheClassAndStartingRegistersIt) {
     EXPECT_TRUE(type->defaultIndexing.has_value());
     EXPECT_STREQ(Buffer::lxeObjectId.getClassName(), "lxebuffer.Buffer");
     EXPECT_EQ(Buffer::lxeObjectId.getVariantId(), 0U);
+    EXPECT_EQ(lxeobject::lxeObjectRecordBundle(typeid(Buffer).name()), "lxebuffer");
+    // The module started again registers the same again, which is no conflict.
+    EXPECT_TRUE(lxeobject::registerLxeObjectClass<Buffer>(false));
 }
 
 TEST(LxeBufferModule, BuffersAreIndexedAndGrownThroughTheEngine) {

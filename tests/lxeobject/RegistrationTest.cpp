@@ -93,8 +93,12 @@ TEST(LxeObjectRegistration, AClassVariantIsFoundAgainWithItsIndexing) {
 
 TEST(LxeObjectRegistration, APointerParameterStandsForTheClassVariant) {
     const std::string expected = "lxe_object<" + std::to_string(pointClass()) + ",1, true,$subType0>";
-    EXPECT_EQ(std::get<types::LxeObjectTypes>(types::TypeTraitsImpl<Point*>::getArgType()).toString(), expected);
-    EXPECT_EQ(std::get<types::LxeObjectTypes>(types::TypeTraitsImpl<const Point*>::getArgType()).toString(), expected);
+    EXPECT_EQ(std::get<types::LxeObjectTypes>(types::TypeTraitsImpl<Point*>::getArgType(0)).toString(), expected);
+    EXPECT_EQ(std::get<types::LxeObjectTypes>(types::TypeTraitsImpl<const Point*>::getArgType(0)).toString(), expected);
+    // The form in which interpreted calls pass it: a 1-by-1 array of the class.
+    EXPECT_EQ(std::get<types::OxArrayTypes>(types::TypeTraitsImpl<Point*>::getArgType(1)),
+              types::OxArrayTypes(pointClass(), types::OxArrayTypes::Shape::SCALAR, types::OxArrayTypes::Density::FULL,
+                                  types::OxArrayTypes::Complexity::NOT_COMPLEX, 0));
 }
 
 TEST(LxeObjectBridge, ArraysShareTheObjectAndReleaseItWhenDestroyed) {

@@ -109,7 +109,7 @@ TEST(WithoutClassObjectService, LookupsAnswerUnknownAndConversionsDegrade) {
     // Without a class, a parameter of the class stands for an object of any class.
     types::addLxeObjectRuntimeInfo(
         test_records::record({{typeid(lxeobject_test::Orphan).name(), test_records::fields("nowrap.Orphan", 2)}}));
-    EXPECT_EQ(std::get<types::LxeObjectTypes>(types::TypeTraitsImpl<lxeobject_test::Orphan*>::getArgType()).toString(),
+    EXPECT_EQ(std::get<types::LxeObjectTypes>(types::TypeTraitsImpl<lxeobject_test::Orphan*>::getArgType(0)).toString(),
               "lxe_object<$classid0,2,$bool0,$subType0>");
 }
 

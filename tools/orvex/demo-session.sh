@@ -48,7 +48,8 @@ printf '\n$ BUILTIN2_LOG=builtinservice::MultiOVMReporting orvex call counter\n'
 BUILTIN2_LOG=builtinservice::MultiOVMReporting "$orvex" call counter 2>&1
 
 # A script in one process: operators, a range and indexing, an engine object of the
-# lxebuffer module, its methods, its indexing, its elements passed on to builtins, help,
+# lxebuffer module, its methods, its indexing and assignment, its elements passed on to
+# builtins, a builtin that takes it, its constructor, help,
 # and how often each variant was taken; the script stops at its first error and names
 # the line.
 statements='x = 1 + 2*3
@@ -66,6 +67,8 @@ x = plus(b(5), 10)
 y = times(x, [1 2 3])
 help nchoosek
 v = b.values()
+b(end + 1) = 6
+t = total(Buffer([1 2 3]))
 b.missing()'
 printf '\n$ orvex --stats <<EOF\n%s\nEOF\n' "$statements"
 "$orvex" --stats <<<"$statements" || printf '(exit code %d)\n' "$?"

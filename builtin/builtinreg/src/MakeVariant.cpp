@@ -23,9 +23,11 @@ void finishVariants(std::vector<BuiltinVariant>& variants, std::size_t first, co
     }
 }
 
-std::vector<types::ArgType> boxedInputTypes(const BuiltinVariant& original) {
+namespace {
+
+// Numeric scalars as host arrays of their class and complexity, of any size; whether any was.
+bool boxScalars(std::vector<types::ArgType>& inputs) {
     using types::OxArrayTypes;
-    std::vector<types::ArgType> inputs(original.inputArgTypes.begin(), original.inputArgTypes.end());
     bool boxes = false;
     for (types::ArgType& input : inputs) {
         if (const auto* scalar = std::get_if<types::NumericScalarTypes>(&input)) {
@@ -38,7 +40,46 @@ std::vector<types::ArgType> boxedInputTypes(const BuiltinVariant& original) {
             boxes = true;
         }
     }
-    return boxes ? inputs : std::vector<types::ArgType>{};
+    return boxes;
+}
+
+// Whether a parameter that points to an engine object is declared in its array form.
+// Flags hold positions of their own, which no parameter has.
+bool takesObjectArray(const BuiltinVariant& variant, std::initializer_list<bool> objectPointers) {
+    const bool* pointer = objectPointers.begin();
+    for (const types::ArgType& input : variant.inputArgTypes) {
+        if (std::holds_alternative<types::FlagInputType>(input)) {
+            continue;
+        }
+        if (pointer == objectPointers.end()) {
+            break;
+        }
+        if (*pointer++ && std::holds_alternative<types::OxArrayTypes>(input)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+std::vector<types::ArgType> boxedInputTypes(const BuiltinVariant& original) {
+    std::vector<types::ArgType> inputs(original.inputArgTypes.begin(), original.inputArgTypes.end());
+    return boxScalars(inputs) ? inputs : std::vector<types::ArgType>{};
+}
+
+void settleObjectArrayVariants(std::vector<BuiltinVariant>& variants, std::initializer_list<bool> objectPointers) {
+    for (BuiltinVariant& variant : variants) {
+        if (!takesObjectArray(variant, objectPointers)) {
+            continue;
+        }
+        std::vector<types::ArgType> inputs(variant.inputArgTypes.begin(), variant.inputArgTypes.end());
+        if (boxScalars(inputs)) {
+            variant.inputArgTypes = std::move(inputs);
+            variant.inputTypes = typeTexts(variant.inputArgTypes, types::ArgTypeDirection::INPUT);
+        }
+        variant.lxeSupportLevel = types::LxeSupportLevel::NO_SUPPORT;
+    }
 }
 
 void appendBoxedVariants(std::vector<BuiltinVariant>& variants, std::size_t count,

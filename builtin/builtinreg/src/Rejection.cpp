@@ -1,5 +1,7 @@
 #include <builtin/builtinreg/Rejection.hpp>
 
+#include "ObjectClassText.hpp"
+
 #include <builtin/types/ArgType.hpp>
 
 #include <string>
@@ -30,11 +32,16 @@ std::size_t firstRefusedInput(const BuiltinVariant& variant, const VariantSignat
 } // namespace
 
 std::string describeArgument(const VariantSignature& call, std::size_t position) {
-    if (call.getArray(position) == nullptr) {
+    const oxArray* array = call.getArray(position);
+    if (array == nullptr) {
         return "a null array";
     }
     const std::string text = types::toString(call.getArgType(position), ArgTypeDirection::INPUT, position);
-    return text.empty() ? "a value of no supported type" : text;
+    if (text.empty()) {
+        return "a value of no supported type";
+    }
+    const std::string object = detail::describeObjectArray(array);
+    return object.empty() ? text : object;
 }
 
 std::string describeRejection(const BuiltinVariant& variant, const VariantSignature& call) {
@@ -57,7 +64,8 @@ std::string describeRejection(const BuiltinVariant& variant, const VariantSignat
         return "element-wise: the array arguments do not broadcast against each other";
     }
     return "input " + std::to_string(refused + 1) + " is " + describeArgument(call, refused) +
-           ", the variant takes " + variant.inputTypes[refused];
+           ", the variant takes " +
+           detail::describeDeclaredObject(variant.inputArgTypes[refused], variant.inputTypes[refused]);
 }
 
 } // namespace Velloc::builtin::builtinreg

@@ -1,10 +1,15 @@
 #include <builtin/lxeobject/LxeObjectIndexing.hpp>
 #include <builtin/lxeobject/LxeObjectRegistry.hpp>
 
+#include "LxeObjectRegistrations.hpp"
+
 #include <builtin/services/ServiceHandles.hpp>
 
+#include <foundation/core/demangle.hpp>
 #include <foundation/log/Channel.hpp>
 
+#include <optional>
+#include <typeinfo>
 #include <utility>
 
 namespace Velloc::builtin {
@@ -61,26 +66,82 @@ bool registerWith(const std::string& className, const std::string& action, Regis
     return target.service != nullptr;
 }
 
+// registerWith, once the ledger has taken the claim. A conflict with an earlier
+// registration of the class variant is refused: on behalf of a C++ class it throws, by
+// class name alone it is logged, as the other failures of registration are.
+template <class Claim, class Register>
+bool registerClaimed(const std::string& className, std::size_t variantId, const std::type_info* cppClass,
+                     const std::string& action, Claim&& claim, Register&& call) {
+    const LxeObjectRegistration target = detail::resolveLxeObjectRegistration(className, action);
+    if (!target.service) {
+        return false;
+    }
+    const detail::RegistrationClaim claimed{
+        target.classId, variantId, className,
+        cppClass != nullptr ? foundation::core::demangle_typeid_name(cppClass->name()) : std::string()};
+    if (const std::optional<std::string> conflict = claim(claimed)) {
+        if (cppClass != nullptr) {
+            throw LxeObjectRegistrationError("Unable to " + action + ": " + *conflict + ".");
+        }
+        logRegistration(__LINE__, [&] { return "Unable to " + action + ", Details: " + *conflict + "."; });
+        return false;
+    }
+    std::forward<Register>(call)(*target.service, target.classId);
+    return true;
+}
+
+bool registerVariant(const std::string& className, std::size_t variantId, const std::type_info* cppClass,
+                     std::optional<bool> flag) {
+    return registerClaimed(
+        className, variantId, cppClass, "register LxeObjects",
+        [&](const detail::RegistrationClaim& claim) { return detail::claimVariant(claim, flag.value_or(false)); },
+        [&](ILxeObjectRegister& service, oxClassID classId) {
+            if (flag) {
+                service.registerLxeObject(classId, variantId, *flag);
+            } else {
+                service.registerLxeObject(classId, variantId);
+            }
+        });
+}
+
+bool registerIndexing(const std::string& className, std::size_t variantId, const std::type_info* cppClass, bool flag,
+                      const Velloc::lxe::LxeObjectDefaultIndexingMethods& methods) {
+    return registerClaimed(
+        className, variantId, cppClass, "register LxeObject default indexing methods",
+        [&](const detail::RegistrationClaim& claim) { return detail::claimDefaultIndexing(claim, flag, methods); },
+        [&](ILxeObjectRegister& service, oxClassID classId) {
+            service.registerLxeObjectDefaultIndexingMethods(classId, variantId, flag, methods);
+        });
+}
+
 } // namespace
 
+namespace detail {
+
+bool registerLxeObjectFor(const std::type_info& cppClass, const std::string& className, std::size_t variantId,
+                          bool flag) {
+    return registerVariant(className, variantId, &cppClass, flag);
+}
+
+bool registerLxeObjectDefaultIndexingMethodsFor(const std::type_info& cppClass, const std::string& className,
+                                                std::size_t variantId, bool flag,
+                                                const Velloc::lxe::LxeObjectDefaultIndexingMethods& methods) {
+    return registerIndexing(className, variantId, &cppClass, flag, methods);
+}
+
+} // namespace detail
+
 bool registerLxeObjectHelper(const std::string& className, std::size_t variantId) {
-    return registerWith(className, "register LxeObjects", [&](ILxeObjectRegister& service, oxClassID classId) {
-        service.registerLxeObject(classId, variantId);
-    });
+    return registerVariant(className, variantId, nullptr, std::nullopt);
 }
 
 bool registerLxeObjectHelper(const std::string& className, std::size_t variantId, bool flag) {
-    return registerWith(className, "register LxeObjects", [&](ILxeObjectRegister& service, oxClassID classId) {
-        service.registerLxeObject(classId, variantId, flag);
-    });
+    return registerVariant(className, variantId, nullptr, flag);
 }
 
 bool registerLxeObjectDefaultIndexingMethodsHelper(const std::string& className, std::size_t variantId, bool flag,
                                                    const Velloc::lxe::LxeObjectDefaultIndexingMethods& methods) {
-    return registerWith(className, "register LxeObject default indexing methods",
-                        [&](ILxeObjectRegister& service, oxClassID classId) {
-                            service.registerLxeObjectDefaultIndexingMethods(classId, variantId, flag, methods);
-                        });
+    return registerIndexing(className, variantId, nullptr, flag, methods);
 }
 
 bool registerParenReferenceVariant(const std::string& className, std::size_t variantId,

@@ -1,6 +1,7 @@
 #include "OCOSRegWrapperService.hpp"
 
 #include <lxe/LxeObjectArrays.hpp>
+#include <ocos/ClassNames.hpp>
 #include <ocos/ClassRegistry.hpp>
 #include <ocos/PackageFunctions.hpp>
 
@@ -44,7 +45,7 @@ Velloc::lxe::LxeObject* OCOSRegWrapperService::oxArrayToLxeObject(const oxArray*
     if (object == nullptr && strict) {
         throw std::invalid_argument(array == nullptr ? std::string("expected an engine object, not a null array")
                                                      : "expected an engine object, not an array of class " +
-                                                           std::to_string(getClassID(array)));
+                                                           ocos::describeClass(getClassID(array)));
     }
     return object;
 }

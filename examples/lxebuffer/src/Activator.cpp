@@ -1,5 +1,6 @@
 // Starting the module: save the manifest's engine-object records, then make the buffer
-// class known with its indexing and its methods.
+// class known with its indexing and its methods, and publish the builtins that take
+// buffers.
 #include "BufferClass.hpp"
 
 #include <lxebuffer/Buffer.hpp>
@@ -8,10 +9,24 @@
 #include <builtin/lxeobject/LxeObjectBridge.hpp>
 #include <builtin/lxeobject/LxeObjectManifest.hpp>
 
+#include <builtin/services/IBuiltinLibrary.hpp>
+
 #include <cppmicroservices/BundleActivator.h>
 #include <cppmicroservices/BundleContext.h>
 
+#include <memory>
+
 namespace lxebuffer {
+
+namespace {
+
+class BufferLibrary final : public Velloc::builtin::IBuiltinLibrary {
+public:
+    std::string getLibraryName() const override { return "lxebuffer"; }
+    std::vector<const Velloc::builtin::BuiltinFcn*> getBuiltins() const override { return {&totalBuiltin()}; }
+};
+
+} // namespace
 
 class Activator final : public cppmicroservices::BundleActivator {
 public:
@@ -25,6 +40,9 @@ public:
         lxeobject::registerLxeObjectDefaultIndexingMethods<Buffer>(false, bufferIndexing());
         if (cls != nullptr) {
             addBufferMethods(*cls);
+            // Builtins that take buffers need the class: without the service there are none.
+            context.RegisterService<Velloc::builtin::IBuiltinLibrary>(std::make_shared<BufferLibrary>(),
+                                                                     {{"library", std::string("lxebuffer")}});
         }
     }
 

@@ -6,8 +6,10 @@
 
 #include <array>
 #include <map>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace lxebuffer {
 
@@ -44,13 +46,50 @@ void size(int, oxArray** plhs, int nrhs, oxArray** prhs) {
     plhs[0] = matrix::createScalar(static_cast<double>(Buffer::fromOxArray(prhs[0])->size()));
 }
 
-// buffer.values(): the elements as a row vector.
-void values(int, oxArray** plhs, int nrhs, oxArray** prhs) {
-    requireArguments(nrhs, 1, 1, "values");
-    const std::vector<double> elements = Buffer::fromOxArray(prhs[0])->values();
+
+std::vector<double> valuesOf(int nrhs, oxArray** prhs, const char* method) {
+    requireArguments(nrhs, 1, 1, method);
+    return Buffer::fromOxArray(prhs[0])->values();
+}
+
+oxArray* rowOf(const std::vector<double>& elements) {
     const std::array<std::size_t, 2> row{1, elements.size()};
-    plhs[0] = matrix::detail::do_create_uninitnumeric(row, oxDOUBLE_CLASS, oxREAL);
-    std::copy(elements.begin(), elements.end(), matrix::getTypedData<double>(plhs[0]));
+    oxArray* array = matrix::detail::do_create_uninitnumeric(row, oxDOUBLE_CLASS, oxREAL);
+    std::copy(elements.begin(), elements.end(), matrix::getTypedData<double>(array));
+    return array;
+}
+
+// display(buffer): how a session shows a buffer, "Buffer [1 2.5 3]".
+void display(int, oxArray** plhs, int nrhs, oxArray** prhs) {
+    std::ostringstream text;
+    text << "Buffer [";
+    const std::vector<double> elements = valuesOf(nrhs, prhs, "display");
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        text << (i == 0 ? "" : " ") << elements[i];
+    }
+    text << ']';
+    const std::string shown = text.str();
+    const std::array<std::size_t, 2> row{1, shown.size()};
+    plhs[0] = matrix::detail::do_create_uninitnumeric(row, oxCHAR_CLASS, oxREAL);
+    std::copy(shown.begin(), shown.end(), matrix::getTypedData<char16_t>(plhs[0]));
+}
+
+// getProperty(buffer, name): buffer.size and buffer.values.
+void getProperty(int, oxArray** plhs, int nrhs, oxArray** prhs) {
+    requireArguments(nrhs, 2, 2, "getProperty");
+    if (matrix::getClassID(prhs[1]) != oxCHAR_CLASS) {
+        throw std::invalid_argument("a buffer property is named by a char row");
+    }
+    const char16_t* units = matrix::getTypedData<char16_t>(prhs[1]);
+    const std::string name(units, units + matrix::getNumberOfElements(prhs[1]));
+    const std::vector<double> elements = Buffer::fromOxArray(prhs[0])->values();
+    if (name == "size") {
+        plhs[0] = matrix::createScalar(static_cast<double>(elements.size()));
+    } else if (name == "values") {
+        plhs[0] = rowOf(elements);
+    } else {
+        throw std::invalid_argument("a buffer has no property '" + name + "': it has size and values");
+    }
 }
 
 struct Method {
@@ -59,8 +98,15 @@ struct Method {
     bool isStatic;
 };
 
-constexpr std::array<Method, 4> METHODS{{
+// buffer.values(): the elements as a row vector.
+void values(int, oxArray** plhs, int nrhs, oxArray** prhs) { plhs[0] = rowOf(valuesOf(nrhs, prhs, "values")); }
+
+// Buffer(values) is the constructor (a static method named as the class), like create.
+constexpr std::array<Method, 7> METHODS{{
     {"create", &create, true},
+    {"Buffer", &create, true},
+    {"display", &display, false},
+    {"getProperty", &getProperty, false},
     {"append", &append, false},
     {"size", &size, false},
     {"values", &values, false},

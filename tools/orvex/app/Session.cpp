@@ -112,6 +112,9 @@ bool Session::run(std::string_view statement) {
         }
         const bool quiet = statement.ends_with(';');
         std::string_view expression = quiet ? trimmed(statement.substr(0, statement.size() - 1)) : statement;
+        if (runObjectAssignment(expression, quiet)) {
+            return true;
+        }
         std::string target = "ans";
         const std::size_t equals = expression.find('=');
         if (equals != std::string_view::npos && isName(trimmed(expression.substr(0, equals)))) {
@@ -121,7 +124,7 @@ bool Session::run(std::string_view statement) {
         matrix::ArrayPtr result = evaluate(parseExpression(expression, columnOf(expression)), nullptr);
         if (result) {
             if (!quiet) {
-                out_ << target << " = " << formatArray(result.get()) << '\n';
+                out_ << target << " = " << display(result.get()) << '\n';
             }
             variables_[target] = std::move(result);
         }
@@ -152,8 +155,7 @@ matrix::ArrayPtr Session::evaluate(const Expression& expression, const IndexCont
         if (context == nullptr) {
             throw StatementError(expression.column, "'end' stands for the last index only inside an index of an array");
         }
-        return matrix::ArrayPtr(
-            matrix::createScalar(static_cast<double>(endOf(context->array, context->position, context->count))));
+        return matrix::ArrayPtr(matrix::createScalar(static_cast<double>(endIndex(*context))));
     case Kind::ALL: break;
     }
     throw StatementError(expression.column, "':' alone selects everything only as a subscript of an array");
@@ -189,6 +191,9 @@ matrix::ArrayPtr Session::name(const Expression& expression) {
     if (const auto variable = variables_.find(expression.text); variable != variables_.end()) {
         return matrix::ArrayPtr(matrix::addReference(variable->second.get()));
     }
+    if (std::optional<matrix::ArrayPtr> property = readProperty(expression)) {
+        return std::move(*property);
+    }
     if (const BuiltinFcn* builtin = findBuiltin(expression.text)) {
         return invoke(*builtin, {});
     }
@@ -203,10 +208,13 @@ matrix::ArrayPtr Session::name(const Expression& expression) {
 matrix::ArrayPtr Session::call(const Expression& expression, const IndexContext* context) {
     const std::string& callee = expression.text;
     if (const auto variable = variables_.find(callee); variable != variables_.end()) {
-        return index(variable->second.get(), expression, context);
+        return index(variable->second.get(), expression);
     }
     if (const BuiltinFcn* builtin = findBuiltin(callee)) {
         return invoke(*builtin, operands(expression.operands, context));
+    }
+    if (std::optional<matrix::ArrayPtr> made = construct(expression, context)) {
+        return std::move(*made);
     }
     if (callee.find('.') != std::string::npos) {
         Arrays arguments = operands(expression.operands, context);
@@ -224,12 +232,9 @@ matrix::ArrayPtr Session::call(const Expression& expression, const IndexContext*
 }
 
 // Arrays of elements are indexed here; engine objects index themselves.
-matrix::ArrayPtr Session::index(const oxArray* array, const Expression& expression, const IndexContext* context) {
+matrix::ArrayPtr Session::index(const oxArray* array, const Expression& expression) {
     if (!holdsElements(array)) {
-        Arrays arguments = operands(expression.operands, context);
-        std::vector<oxArray*> handles = handlesOf(arguments);
-        return matrix::ArrayPtr(Velloc::lxe::parenReference(
-            array, {const_cast<const oxArray* const*>(handles.data()), handles.size()}));
+        return indexObject(array, expression);
     }
     const std::size_t count = expression.operands.size();
     Arrays subscripts;

@@ -6,8 +6,10 @@
 //     r = 1:2:9                              ranges
 //     r(end), r([1 3]), m(2, :)              indexing of arrays
 //     b = lxebuffer.Buffer.create([1 2 3])   static method of a class
+//     b = Buffer([1 2 3])                    constructor of a class (ocos/SpecialMethods.hpp)
 //     b.append([4 5])                        method of an object
-//     b(2)                                   indexing an object
+//     b(2), b(end), b.size                   indexing an object, its property access
+//     b(end + 1) = 6                         assigning into an object
 //     z = x + 1;                             a ';' at the end keeps the result quiet
 //     help plus                              what a builtin does and the variants it has
 //     help                                   every builtin
@@ -32,6 +34,7 @@
 #include <iosfwd>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,10 +66,21 @@ private:
     matrix::ArrayPtr literal(const std::string& text, std::size_t column) const;
     matrix::ArrayPtr name(const Expression& expression);
     matrix::ArrayPtr call(const Expression& expression, const IndexContext* context);
-    matrix::ArrayPtr index(const oxArray* array, const Expression& expression, const IndexContext* context);
+    // Subscripts are evaluated in the context of the array indexed.
+    matrix::ArrayPtr index(const oxArray* array, const Expression& expression);
     matrix::ArrayPtr binary(const Expression& expression, const IndexContext* context);
     matrix::ArrayPtr applyOperator(std::string_view builtinName, const Expression& expression, Arrays arguments);
     matrix::ArrayPtr callMethod(const Expression& expression, Arrays& arguments);
+    // Engine objects (ObjectStatements.cpp): obj(i) with 'end' as the object's element
+    // count, obj(i) = v, obj.property, Class(args) for a class with a constructor, and
+    // the display of a value; an assignment to a dotted name is an error.
+    std::size_t endIndex(const IndexContext& context) const;
+    Arrays objectSubscripts(const oxArray* object, const Expression& expression);
+    matrix::ArrayPtr indexObject(const oxArray* object, const Expression& expression);
+    bool runObjectAssignment(std::string_view statement, bool quiet);
+    std::optional<matrix::ArrayPtr> readProperty(const Expression& expression);
+    std::optional<matrix::ArrayPtr> construct(const Expression& expression, const IndexContext* context);
+    std::string display(const oxArray* array) const;
     matrix::ArrayPtr invoke(const Velloc::builtin::BuiltinFcn& builtin, const Arrays& arguments) const;
     const Velloc::builtin::BuiltinFcn* findBuiltin(std::string_view name) const;
     void help(std::string_view name);

@@ -22,6 +22,12 @@
 // that takes host arrays of those classes, so that the interpreter, which holds every
 // value as an array, reaches it: a 1-by-1 array is unboxed into the scalar, any other
 // size is the language error builtin2:notScalar.
+//
+// A parameter that points to an engine object (Counter*, const Counter*, LxeObject*)
+// gives two variants: one taking the object, for compiled callers, and one taking the
+// 1-by-1 array of the object's class, which interpreted calls reach. A result of such a
+// type becomes an array of the object's class; an object returned without references is
+// owned by that array.
 #pragma once
 
 #include <builtin/BuiltinFcn.hpp>
@@ -73,6 +79,12 @@ void finishVariants(std::vector<BuiltinVariant>& variants, std::size_t first, co
 // The boxed inputs of an original variant: each numeric scalar becomes a host array of its
 // class and complexity, of any size. Empty when no input is a numeric scalar.
 std::vector<types::ArgType> boxedInputTypes(const BuiltinVariant& original);
+
+// The variants that take an engine object in the array interpreted calls hold it in (the
+// array form of a parameter that points to an engine object, objectPointers[i] for the
+// i-th parameter) are the interpreter's: they are kept from compiled callers, and their
+// numeric scalars are taken as arrays too, as boxed copies would take them.
+void settleObjectArrayVariants(std::vector<BuiltinVariant>& variants, std::initializer_list<bool> objectPointers);
 
 // Appends a checked boxed copy of each of the first count variants that has one.
 // developerInputs and boxedInputs name the C++ types, for the boxing channel.
@@ -126,6 +138,8 @@ std::vector<BuiltinVariant> makeVariants(std::string_view orvexFunctionName, Var
     if (!options.isElementWise) {
         using Entry = detail::GenericEntry<Fcn>;
         [&]<std::size_t... I>(std::index_sequence<I...>) {
+            detail::settleObjectArrayVariants(variants,
+                                              {detail::isLxeObjectPointer<typename Entry::template Arg<I>>...});
             detail::appendBoxedVariants(variants, variants.size(),
                                         {std::cref(typeid(typename Entry::template Arg<I>))...},
                                         {std::cref(detail::boxedTypeOf<typename Entry::template Arg<I>>())...});

@@ -9,6 +9,8 @@
 
 #include <foundation/core/except/Exception.hpp>
 
+#include <lxe/LxeObject.hpp>
+
 #include <boost/variant/get.hpp>
 
 #include <complex>
@@ -45,6 +47,11 @@ inline constexpr bool isParameterValue =
 template <class T>
 inline constexpr bool isText =
     std::is_same_v<T, std::u16string> || std::is_same_v<T, std::u16string_view> || std::is_same_v<T, std::string>;
+
+// A pointer to an engine object, of any class derived from LxeObject.
+template <class T>
+inline constexpr bool isLxeObjectPointer =
+    std::is_pointer_v<T> && std::is_base_of_v<Velloc::lxe::LxeObject, std::remove_cv_t<std::remove_pointer_t<T>>>;
 
 template <class T>
 constexpr oxClassID classOfValue() {
@@ -115,17 +122,21 @@ T fromParameter(const Parameter& parameter, types::Temporaries& temporaries) {
         }
         // The reader takes over one reference, which temporaries gives back after the call.
         return types::TypeTraitsImpl<T>{}(matrix::addReference(*array), temporaries);
-    } else if constexpr (std::is_same_v<T, Velloc::lxe::LxeObject*>) {
-        if (Velloc::lxe::LxeObject* const* object = boost::get<Velloc::lxe::LxeObject*>(&parameter)) {
-            return *object;
-        }
-        types::detail::assertLxeObjectFromParameterType(typeid(T), parameter);
+    } else if constexpr (std::is_same_v<T, Velloc::lxe::LxeObject*> ||
+                         std::is_same_v<T, const Velloc::lxe::LxeObject*>) {
+        return lxeObjectOfParameter(parameter);
+    } else if constexpr (requires { types::TypeTraitsImpl<T>::fromParameter(parameter); }) {
+        // Pointers to engine-object classes (builtin/lxeobject/LxeObjectTypeTraitsImpl.hpp).
+        return types::TypeTraitsImpl<T>::fromParameter(parameter);
     } else if constexpr (std::is_same_v<T, Velloc::String::String*>) {
         if (Velloc::String::String* const* text = boost::get<Velloc::String::String*>(&parameter)) {
             return *text;
         }
         types::detail::assertParameterContainsType(typeid(T), parameter);
         return nullptr;
+    } else if constexpr (isLxeObjectPointer<T>) {
+        static_assert(sizeof(T) == 0, "an engine-object parameter points to a class derived from "
+                                      "lxeobject::CppLxeObjectImpl<Class> with a static LxeObjectId lxeObjectId");
     } else {
         static_assert(sizeof(T) == 0, "no conversion from a Parameter to this parameter type");
     }
@@ -139,6 +150,9 @@ Parameter toResultParameter(R&& result) {
     if constexpr (isParameterValue<T> || std::is_same_v<T, oxArray*> || std::is_same_v<T, Velloc::lxe::LxeObject*> ||
                   std::is_same_v<T, Velloc::String::String*>) {
         return Parameter(result);
+    } else if constexpr (isLxeObjectPointer<T>) {
+        // A new object may come back without references: the result's array takes the first.
+        return Parameter(const_cast<Velloc::lxe::LxeObject*>(static_cast<const Velloc::lxe::LxeObject*>(result)));
     } else if constexpr (std::is_same_v<T, char16_t>) {
         oxArray* out = nullptr;
         return Parameter(parameterConversionImpl(&out, result));

@@ -30,6 +30,11 @@ oxArray* parameterConversionImpl(oxArray** out, std::complex<double> value);
 oxArray* parameterConversionImpl(oxArray** out, Velloc::lxe::LxeObject* object);
 oxArray* parameterConversionImpl(oxArray** out, Velloc::String::String* text);
 
+// The engine object a parameter carries: the object itself, as compiled callers pass it,
+// or the class-object array that holds it, as interpreted calls pass it. An array that
+// holds none throws std::invalid_argument naming the array's class.
+Velloc::lxe::LxeObject* lxeObjectOfParameter(const Parameter& parameter);
+
 } // namespace Velloc::builtin::builtinreg::detail
 
 namespace Velloc::builtin::types::detail {

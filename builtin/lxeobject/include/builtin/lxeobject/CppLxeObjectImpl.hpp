@@ -50,13 +50,25 @@ const char* manifestClassNameOf() {
     return name.c_str();
 }
 
-// Completes T's identity from its manifest record, and checks (once) that a variant id T
-// assigned itself is the record's; a mismatch ends the process.
+namespace detail {
+// Throws builtinreg::LxeObjectRegistrationError, naming the bundle whose manifest declared
+// the class, when the class name the code gives is not the manifest's.
+void checkClassNameAgainstManifest(const char* codeName, const std::type_info& cppClass);
+} // namespace detail
+
+// Completes T's identity from its manifest record, and checks that what T assigned itself
+// is the record's: a class name that differs throws builtinreg::LxeObjectRegistrationError
+// naming the bundle; a variant id that differs ends the process.
 template <CppLxeObject T>
 void adoptManifestIdentity() {
     builtinreg::LxeObjectId& id = T::lxeObjectId;
     if (id.getNameFunction() == builtinreg::LxeObjectId::DEFAULT_NAME_FUNCTION) {
         id.setNameFunction(&manifestClassNameOf<T>);
+    }
+    if (id.getNameFunction() != &manifestClassNameOf<T>) {
+        // Once passed, never again: the name and the record do not change.
+        static const bool nameChecked = (detail::checkClassNameAgainstManifest(id.getClassName(), typeid(T)), true);
+        (void)nameChecked;
     }
     if (id.getVariantId() == builtinreg::LxeObjectId::DEFAULT_VARIANT_ID) {
         id.setVariantId(manifestVariantIdOf<T>());
@@ -65,18 +77,25 @@ void adoptManifestIdentity() {
 }
 
 // Registers T as an engine object of its class, and the default indexing methods of T.
-// Both return whether the registration was passed on (see LxeObjectIndexing.hpp).
+// Both return whether the registration was passed on (see LxeObjectIndexing.hpp). One that
+// conflicts with an earlier registration of the class variant (another C++ class under the
+// same class and variant id, another flag, other methods) throws
+// builtinreg::LxeObjectRegistrationError naming both; registering the same again is allowed.
 template <CppLxeObject T>
 bool registerLxeObjectClass(bool flag) {
     adoptManifestIdentity<T>();
-    return builtinreg::registerLxeObjectHelper(T::lxeObjectId.getClassName(), T::lxeObjectId.getVariantId(), flag);
+    return builtinreg::detail::registerLxeObjectFor(typeid(T), T::lxeObjectId.getClassName(),
+                                                    T::lxeObjectId.getVariantId(), flag);
 }
 
 template <CppLxeObject T>
 bool registerLxeObjectDefaultIndexingMethods(bool flag, const Velloc::lxe::LxeObjectDefaultIndexingMethods& methods) {
     adoptManifestIdentity<T>();
-    return builtinreg::registerLxeObjectDefaultIndexingMethodsHelper(T::lxeObjectId.getClassName(),
-                                                                     T::lxeObjectId.getVariantId(), flag, methods);
+    return builtinreg::detail::registerLxeObjectDefaultIndexingMethodsFor(
+        typeid(T), T::lxeObjectId.getClassName(), T::lxeObjectId.getVariantId(), flag, methods);
 }
 
 } // namespace Velloc::builtin::lxeobject
+
+// Every engine-object class can be a parameter and result type of developer functions.
+#include <builtin/lxeobject/LxeObjectTypeTraitsImpl.hpp>

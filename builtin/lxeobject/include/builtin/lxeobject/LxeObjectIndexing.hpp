@@ -17,7 +17,9 @@
 #include <boost/range/iterator_range.hpp>
 
 #include <cstddef>
+#include <stdexcept>
 #include <string>
+#include <typeinfo>
 
 namespace Velloc::builtin::builtinreg {
 
@@ -28,12 +30,31 @@ struct LxeObjectRegistration {
     ILxeObjectRegister* service = nullptr;
 };
 
+// A registration on behalf of a C++ class that conflicts with an earlier one of the same
+// class variant: another C++ class under the same class and variant id, another flag, or
+// other default indexing methods. The text names both registrations.
+class LxeObjectRegistrationError : public std::logic_error {
+public:
+    using std::logic_error::logic_error;
+};
+
 namespace detail {
 // Resolves the class through the class-object service and adds it to the known
 // engine-object classes; action names the registration in log lines ("Unable to " + action).
 LxeObjectRegistration resolveLxeObjectRegistration(const std::string& className, const std::string& action);
+
+// The registrations below on behalf of a C++ class (lxeobject::registerLxeObjectClass<T>):
+// a conflict throws LxeObjectRegistrationError instead of being logged.
+bool registerLxeObjectFor(const std::type_info& cppClass, const std::string& className, std::size_t variantId,
+                          bool flag);
+bool registerLxeObjectDefaultIndexingMethodsFor(const std::type_info& cppClass, const std::string& className,
+                                                std::size_t variantId, bool flag,
+                                                const Velloc::lxe::LxeObjectDefaultIndexingMethods& methods);
 } // namespace detail
 
+// Registering what a class variant has registered already changes nothing; a registration
+// that conflicts with it (another flag, other default indexing methods) is logged and
+// refused, so that the first stays in force.
 bool registerLxeObjectHelper(const std::string& className, std::size_t variantId);
 bool registerLxeObjectHelper(const std::string& className, std::size_t variantId, bool flag);
 bool registerLxeObjectDefaultIndexingMethodsHelper(const std::string& className, std::size_t variantId, bool flag,

@@ -4,6 +4,7 @@
 
 #include <cppmicroservices/Bundle.h>
 
+#include <optional>
 #include <string>
 #include <unordered_set>
 
@@ -13,5 +14,9 @@ namespace Velloc::builtin::lxeobject {
 // mangled class names saved; none when the manifest has no such record. A record that is
 // not an object, or a bad entry, throws types::SaveLxeObjectRuntimeInfoError.
 std::unordered_set<std::string> saveLxeObjectRuntimeInfo(const cppmicroservices::Bundle& bundle);
+
+// The symbolic name of the bundle whose manifest saved the record of the mangled class
+// name; none for a record saved otherwise (types::addLxeObjectRuntimeInfo).
+std::optional<std::string> lxeObjectRecordBundle(const std::string& mangledClassName);
 
 } // namespace Velloc::builtin::lxeobject

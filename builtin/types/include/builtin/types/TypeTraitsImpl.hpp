@@ -7,9 +7,11 @@
 #pragma once
 
 #include <builtin/types/ArgType.hpp>
+#include <lxe/LxeObjectFwd.hpp>
 #include <matrix/oxArray.hpp>
 
 #include <complex>
+#include <cstddef>
 #include <cstdint>
 
 namespace Velloc::builtin::types {
@@ -47,8 +49,26 @@ struct OpenArrayTypeTraits {
     }
 };
 
+// Any engine object: as compiled callers pass it, and as the 1-by-1 array of any class
+// in which interpreted calls pass it, whose object the conversion then looks for.
+struct AnyLxeObjectTypeTraits {
+    static constexpr unsigned long numArgTypes = 2;
+    static const ArgType& getArgType(std::size_t kind) {
+        static const ArgType object = LxeObjectTypes(oxUNKNOWN_CLASS, LxeObjectTypes::ANY_VARIANT_ID, false);
+        static const ArgType array = [] {
+            OxArrayTypes scalar(oxUNKNOWN_CLASS, OxArrayTypes::Shape::SCALAR, OxArrayTypes::Density::FULL,
+                                OxArrayTypes::Complexity::NOT_COMPLEX, 0);
+            scalar.setSignatureTolerance(SignatureTolerance::RELAXED);
+            return scalar;
+        }();
+        return kind == 0 ? object : array;
+    }
+};
+
 } // namespace detail
 
+template <> struct TypeTraitsImpl<Velloc::lxe::LxeObject*> : detail::AnyLxeObjectTypeTraits {};
+template <> struct TypeTraitsImpl<const Velloc::lxe::LxeObject*> : detail::AnyLxeObjectTypeTraits {};
 template <> struct TypeTraitsImpl<bool> : detail::NumericScalarTypeTraits<oxLOGICAL_CLASS> {};
 template <> struct TypeTraitsImpl<char16_t> : detail::NumericScalarTypeTraits<oxCHAR_CLASS> {};
 template <> struct TypeTraitsImpl<double> : detail::NumericScalarTypeTraits<oxDOUBLE_CLASS> {};
