@@ -3,6 +3,7 @@
 #include <lxebuffer/Buffer.hpp>
 
 #include <builtin/lxeobject/LxeObjectIndexing.hpp>
+#include <matrix/ResultArrays.hpp>
 
 #include <array>
 #include <map>
@@ -48,8 +49,7 @@ void size(int, oxArray** plhs, int nrhs, oxArray** prhs) {
 void values(int, oxArray** plhs, int nrhs, oxArray** prhs) {
     requireArguments(nrhs, 1, 1, "values");
     const std::vector<double> elements = Buffer::fromOxArray(prhs[0])->values();
-    const std::array<std::size_t, 2> row{1, elements.size()};
-    plhs[0] = matrix::detail::do_create_uninitnumeric(row, oxDOUBLE_CLASS, oxREAL);
+    plhs[0] = matrix::createUninitializedNumericArray({1, elements.size()}, oxDOUBLE_CLASS);
     std::copy(elements.begin(), elements.end(), matrix::getTypedData<double>(plhs[0]));
 }
 
