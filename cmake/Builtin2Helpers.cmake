@@ -8,26 +8,7 @@ function(builtin2_apply_sanitizers)
   endif()
 endfunction()
 
-# builtin2_map_source_prefix([<target>]): __FILE__ and std::source_location name the calling
-# project's sources relative to its source directory, so fatal reports and log records carry
-# no build machine's layout and two checkouts of one commit build the same strings. The
-# second map covers a compiler cache with a base directory, which hands the compiler paths
-# relative to the build directory (where Ninja runs it). Debug information keeps its paths,
-# so that a debugger still finds the sources. Without a target, applies to the current
-# directory and below.
-function(builtin2_map_source_prefix)
-  set(flags -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
-  file(RELATIVE_PATH from_build ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR})
-  string(REGEX REPLACE "/$" "" from_build "${from_build}")
-  if(from_build)
-    list(APPEND flags -fmacro-prefix-map=${from_build}/=)
-  endif()
-  if(ARGC EQUAL 1)
-    target_compile_options(${ARGV0} PRIVATE ${flags})
-  else()
-    add_compile_options(${flags})
-  endif()
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/Builtin2SourcePrefix.cmake)
 
 # The project's own code builds with -Wall -Wextra -Wpedantic, and with BUILTIN2_WERROR a
 # warning in it fails the build. Headers of other projects come from system include
@@ -107,11 +88,16 @@ function(builtin2_install_package)
   set(dest ${CMAKE_INSTALL_LIBDIR}/cmake/builtin2)
   install(EXPORT builtin2Targets NAMESPACE builtin2:: DESTINATION ${dest})
   configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/builtin2Config.cmake.in
-    ${PROJECT_BINARY_DIR}/builtin2Config.cmake INSTALL_DESTINATION ${dest})
+    ${PROJECT_BINARY_DIR}/builtin2Config.cmake INSTALL_DESTINATION ${dest}
+    PATH_VARS CMAKE_INSTALL_LIBDIR)
   write_basic_package_version_file(${PROJECT_BINARY_DIR}/builtin2ConfigVersion.cmake
     COMPATIBILITY SameMinorVersion)
+  # What an author's project needs beyond the targets: builtin2_add_bundle and what it uses.
   install(FILES ${PROJECT_BINARY_DIR}/builtin2Config.cmake
-                ${PROJECT_BINARY_DIR}/builtin2ConfigVersion.cmake DESTINATION ${dest})
+                ${PROJECT_BINARY_DIR}/builtin2ConfigVersion.cmake
+                ${PROJECT_SOURCE_DIR}/cmake/Builtin2SourcePrefix.cmake
+                ${PROJECT_SOURCE_DIR}/microservices/cmake/Builtin2Bundle.cmake
+          DESTINATION ${dest})
 endfunction()
 
 # builtin2_add_concurrency_test(<test binary> <gtest filter>): the binary's cases that run

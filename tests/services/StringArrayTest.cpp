@@ -31,6 +31,18 @@ TEST(StringArray, HoldsOneStringPerElementThroughCopies) {
     EXPECT_EQ(Velloc::String::getStringElement(filled.get(), 3), hello);
 }
 
+// What an author returns as a string result: a scalar string from UTF-16 or UTF-8 text.
+TEST(StringArray, ScalarStringsFromTextOfEitherEncoding) {
+    const Owned wide(Velloc::String::createScalarString(std::u16string_view(u"caf\u00e9")));
+    const Owned narrow(Velloc::String::createScalarStringFromUtf8("caf\xC3\xA9"));
+    for (const Owned* text : {&wide, &narrow}) {
+        EXPECT_TRUE(Velloc::String::isStringArray(text->get()));
+        EXPECT_TRUE(matrix::isScalar(text->get()));
+        EXPECT_EQ(Velloc::String::getStringElement(text->get(), 0).view(), u"caf\u00e9");
+    }
+    EXPECT_THROW(Owned(Velloc::String::createScalarStringFromUtf8("\xFF")), std::invalid_argument);
+}
+
 TEST(StringArray, RejectsCountsThatDoNotFillAndArraysOfOtherClasses) {
     const std::array<std::size_t, 2> dims{2, 2};
     EXPECT_THROW(Velloc::String::createStringArray(dims, {u"a", u"b", u"c"}), std::invalid_argument);

@@ -116,6 +116,7 @@ BuiltinVariantLists::BuiltinVariantLists(std::vector<BuiltinVariant>&& variants)
     detail::demoteShadowedVariants(list, findings_);
     // Nothing is removed by demotion; the heading is the one readers of the log know.
     logList(cleanupChannel(), "removed shadowed:\n", list);
+    std::copy_if(list.begin(), list.end(), std::back_inserter(removedBoxing_), isUnsupportedBoxingVariant);
     removeFound(list, findings_, CleanupFinding::Kind::UNSUPPORTED_BOXING, isUnsupportedBoxingVariant);
     logList(cleanupChannel(), "removed unsupported boxing variants:\n", list);
     foundation::log::logIf(findingsChannel(), LOG_INFO, "BuiltinVariantLists", __LINE__, [&] {

@@ -3,6 +3,7 @@
 #include <builtin/builtinreg/Rejection.hpp>
 
 #include <sstream>
+#include <variant>
 #include <stdexcept>
 
 namespace Velloc::builtin::builtinreg {
@@ -47,7 +48,27 @@ std::string callText(const std::string& name, int nlhs, const std::vector<std::s
 } // namespace
 
 std::string variantLabel(const BuiltinVariant& variant) {
-    return variant.cppFunctionName + " [" + joined(variant.inputTypes) + "]";
+    // Arrays of a class-object class (strings, engine objects) print in the type language
+    // as a fully open array; a label names their class instead, so that a text parameter
+    // does not read as "any array", and names the char arrays a text parameter takes.
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; i < variant.inputTypes.size(); ++i) {
+        const auto* array = i < variant.inputArgTypes.size()
+                                ? std::get_if<types::OxArrayTypes>(&variant.inputArgTypes[i])
+                                : nullptr;
+        const auto shape = array != nullptr ? array->getShape().first : types::OxArrayTypes::Shape::UNKNOWN;
+        if (array != nullptr && types::isObjectClass(array->getElement())) {
+            texts.push_back((shape == types::OxArrayTypes::Shape::SCALAR ? "scalar " : "") +
+                            languageClassName(array->getElement()));
+        } else if (array != nullptr && array->getElement() == oxCHAR_CLASS &&
+                   (shape == types::OxArrayTypes::Shape::ROW || shape == types::OxArrayTypes::Shape::EMPTY)) {
+            // The other two kinds a text parameter takes.
+            texts.push_back(shape == types::OxArrayTypes::Shape::ROW ? "char row" : "empty char");
+        } else {
+            texts.push_back(variant.inputTypes[i].str());
+        }
+    }
+    return variant.cppFunctionName + " [" + joined(texts) + "]";
 }
 
 Explanation explain(const BuiltinFcn& builtin, int nlhs, int nrhs, oxArray* const* prhs,
@@ -101,8 +122,9 @@ std::string toString(const Explanation& explanation) {
 std::string describeNoMatch(const BuiltinFcn& builtin, int nlhs, int nrhs, oxArray* const* prhs) {
     const VariantSignature call = checkedCall(builtin, "describeNoMatch", nlhs, nrhs, prhs);
     std::ostringstream out;
+    const std::string library = builtin.getDefiningLibrary();
     out << "No variant of " << builtin.name << " accepts the call " << callText(builtin.name, nlhs, argumentTypesOf(call))
-        << '.';
+        << (library.empty() ? "" : " (" + builtin.name + " is a builtin of " + library + ")") << '.';
     for (const BuiltinVariant& variant : builtin.getAllVariants()) {
         const std::string reason = describeRejection(variant, call);
         out << "\n  " << variantLabel(variant) << ": " << (reason.empty() ? "accepts, but is not searched here" : reason);

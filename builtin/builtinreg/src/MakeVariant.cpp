@@ -8,18 +8,19 @@ namespace Velloc::builtin::builtinreg {
 
 namespace detail {
 
-void finishVariants(std::vector<BuiltinVariant>& variants, std::size_t first, const VariantOptions& options) {
-    if (!options.lxeSupportLevel) {
+void finishVariants(std::vector<BuiltinVariant>& variants, std::size_t first,
+                    const std::optional<types::LxeSupportLevel>& lxeSupportLevel) {
+    if (!lxeSupportLevel) {
         return;
     }
     for (std::size_t i = first; i < variants.size(); ++i) {
         BuiltinVariant& variant = variants[i];
         // LXE_ONLY is a placement, not a restriction: it replaces an unrestricted level.
         variant.lxeSupportLevel =
-            *options.lxeSupportLevel == types::LxeSupportLevel::LXE_ONLY &&
+            *lxeSupportLevel == types::LxeSupportLevel::LXE_ONLY &&
                     variant.lxeSupportLevel == types::LxeSupportLevel::EQUIVALENT_SUPPORT
                 ? types::LxeSupportLevel::LXE_ONLY
-                : combineLxeSupportLevels(variant.lxeSupportLevel, *options.lxeSupportLevel);
+                : combineLxeSupportLevels(variant.lxeSupportLevel, *lxeSupportLevel);
     }
 }
 

@@ -14,7 +14,8 @@ std::string classText(oxClassID classId) {
     return cls != nullptr ? "class '" + cls->getName() + "'" : "class " + std::to_string(classId);
 }
 
-// The specific class-object class a declared type takes.
+} // namespace
+
 std::optional<oxClassID> declaredObjectClass(const types::ArgType& declared) {
     oxClassID classId = oxUNKNOWN_CLASS;
     if (const auto* object = std::get_if<types::LxeObjectTypes>(&declared)) {
@@ -26,8 +27,6 @@ std::optional<oxClassID> declaredObjectClass(const types::ArgType& declared) {
     }
     return types::isObjectClass(classId) ? std::optional(classId) : std::nullopt;
 }
-
-} // namespace
 
 std::string describeObjectArray(const oxArray* array) {
     const oxClassID classId = matrix::getClassID(array);

@@ -5,10 +5,14 @@
 
 #include <matrix/oxArray.hpp>
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace Velloc::builtin::builtinreg::detail {
+
+// The specific class-object class a declared type takes, if it takes one.
+std::optional<oxClassID> declaredObjectClass(const types::ArgType& declared);
 
 // "an object of class 'counter.Counter'" for a 1-by-1 array of a class-object class,
 // "a 1x3 array of class ..." for a larger one; empty for arrays of built-in classes.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 
 namespace Velloc::builtin::builtinreg::detail {
@@ -35,6 +36,19 @@ const BuiltinVariant* findLastVariantWithSupportLevel(const std::vector<BuiltinV
 
 void sortFlags(FlagSpecification& flags) {
     std::sort(flags.begin(), flags.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+}
+
+void checkFlagPositions(std::string_view orvexFunctionName, std::string_view cppFunctionName,
+                        const FlagSpecification& flags, std::size_t parameterCount) {
+    for (std::size_t k = 0; k < flags.size(); ++k) {
+        const auto& [position, text] = flags[k];
+        if (position > parameterCount + k) {
+            throw std::invalid_argument("builtin " + std::string(orvexFunctionName) + ": the flag '" + text +
+                                        "' of " + std::string(cppFunctionName) + " is at input position " +
+                                        std::to_string(position) + ", but the inputs (counted from 0) end at " +
+                                        std::to_string(parameterCount + k));
+        }
+    }
 }
 
 void addFlagInputTypes(BuiltinVariant& variant, const FlagSpecification& flags) {

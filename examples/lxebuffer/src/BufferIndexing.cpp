@@ -1,6 +1,7 @@
 #include "BufferClass.hpp"
 
 #include <lxebuffer/Buffer.hpp>
+#include <matrix/ResultArrays.hpp>
 
 #include <array>
 #include <cmath>
@@ -44,7 +45,7 @@ oxArray* parenReference(const Velloc::lxe::LxeObject& object, Velloc::lxe::Index
     for (const std::size_t position : positions) {
         values.push_back(buffer.at(position));
     }
-    oxArray* result = matrix::detail::do_create_uninitnumeric(matrix::getDimensions(indices[0]), oxDOUBLE_CLASS, oxREAL);
+    oxArray* result = matrix::createUninitializedNumericArray(matrix::getDimensions(indices[0]), oxDOUBLE_CLASS);
     std::copy(values.begin(), values.end(), matrix::getTypedData<double>(result));
     return result;
 }

@@ -3,6 +3,7 @@
 #include <lxebuffer/Buffer.hpp>
 
 #include <builtin/lxeobject/LxeObjectIndexing.hpp>
+#include <matrix/ResultArrays.hpp>
 
 #include <array>
 #include <map>
@@ -46,15 +47,13 @@ void size(int, oxArray** plhs, int nrhs, oxArray** prhs) {
     plhs[0] = matrix::createScalar(static_cast<double>(Buffer::fromOxArray(prhs[0])->size()));
 }
 
-
 std::vector<double> valuesOf(int nrhs, oxArray** prhs, const char* method) {
     requireArguments(nrhs, 1, 1, method);
     return Buffer::fromOxArray(prhs[0])->values();
 }
 
 oxArray* rowOf(const std::vector<double>& elements) {
-    const std::array<std::size_t, 2> row{1, elements.size()};
-    oxArray* array = matrix::detail::do_create_uninitnumeric(row, oxDOUBLE_CLASS, oxREAL);
+    oxArray* array = matrix::createUninitializedNumericArray({1, elements.size()}, oxDOUBLE_CLASS);
     std::copy(elements.begin(), elements.end(), matrix::getTypedData<double>(array));
     return array;
 }
@@ -68,10 +67,7 @@ void display(int, oxArray** plhs, int nrhs, oxArray** prhs) {
         text << (i == 0 ? "" : " ") << elements[i];
     }
     text << ']';
-    const std::string shown = text.str();
-    const std::array<std::size_t, 2> row{1, shown.size()};
-    plhs[0] = matrix::detail::do_create_uninitnumeric(row, oxCHAR_CLASS, oxREAL);
-    std::copy(shown.begin(), shown.end(), matrix::getTypedData<char16_t>(plhs[0]));
+    plhs[0] = matrix::createCharRowFromUtf8(text.str());
 }
 
 // getProperty(buffer, name): buffer.size and buffer.values.

@@ -7,6 +7,7 @@
 #include <builtin/builtinreg/MakeVariant.hpp>
 
 #include <foundation/core/except/Exception.hpp>
+#include <matrix/ResultArrays.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -110,7 +111,7 @@ oxArray* plusArrays(const oxArray* a, const oxArray* b) {
         throw Exception<errors::plusUnsupported>({classNameOf(a), classNameOf(b)});
     }
     const std::vector<std::size_t> dims = *broadcastDims(a, b);
-    matrix::ArrayPtr out(matrix::detail::do_create_uninitnumeric(dims, oxDOUBLE_CLASS, oxREAL));
+    matrix::ArrayPtr out(matrix::createUninitializedNumericArray(dims, oxDOUBLE_CLASS));
     double* sum = matrix::getTypedData<double>(out.get());
     for (std::size_t i = 0, n = matrix::getNumberOfElements(out.get()); i < n; ++i) {
         sum[i] = elementAsDouble(a, broadcastIndex(i, dims, matrix::getDimensions(a))) +

@@ -4,6 +4,7 @@
 #include <builtin/types/NumericScalarTypes.hpp>
 
 #include <foundation/core/except/Exception.hpp>
+#include <matrix/ResultArrays.hpp>
 
 #include <algorithm>
 #include <array>
@@ -20,9 +21,8 @@ matrix::ArrayPtr oneElementLike(const oxArray* a) {
     if (matrix::isSparse(a) || matrix::getElementSize(classId) == 0) {
         return nullptr;
     }
-    const std::size_t scalar[] = {1, 1};
     return matrix::ArrayPtr(
-        matrix::detail::do_create_uninitnumeric(scalar, classId, matrix::isComplex(a) ? oxCOMPLEX : oxREAL));
+        matrix::createUninitializedNumericArray({1, 1}, classId, matrix::isComplex(a) ? oxCOMPLEX : oxREAL));
 }
 
 } // namespace
@@ -80,7 +80,8 @@ matrix::ArrayPtr emptyResult(const Velloc::builtin::BuiltinFcn& builtin, const o
         return nullptr;
     }
     return matrix::ArrayPtr(
-        matrix::detail::do_create_uninitnumeric(*dims, element->getElement(), element->isComplex() ? oxCOMPLEX : oxREAL));
+        matrix::createUninitializedNumericArray(*dims, element->getElement(),
+                                                element->isComplex() ? oxCOMPLEX : oxREAL));
 }
 
 } // namespace samplelib

@@ -6,6 +6,7 @@
 #include <builtin/builtinreg/MakeVariant.hpp>
 
 #include <fl/i18n.hpp>
+#include <matrix/ResultArrays.hpp>
 
 #include <string>
 
@@ -17,8 +18,7 @@ using namespace Velloc::builtin::builtinreg;
 
 oxArray* size(const oxArray* array) {
     const matrix::Dims dims = matrix::getDimensions(array);
-    const std::size_t extent[2] = {1, dims.size()};
-    oxArray* out = matrix::detail::do_create_uninitnumeric(extent, oxDOUBLE_CLASS, oxREAL);
+    oxArray* out = matrix::createNumericArray({1, dims.size()}, oxDOUBLE_CLASS);
     double* data = matrix::getTypedData<double>(out);
     for (std::size_t i = 0; i < dims.size(); ++i) {
         data[i] = static_cast<double>(dims[i]);

@@ -4,6 +4,7 @@
 #include <builtin/builtinreg/MakeVariant.hpp>
 
 #include <foundation/core/except/Exception.hpp>
+#include <matrix/ResultArrays.hpp>
 
 #include <cmath>
 #include <limits>
@@ -26,8 +27,7 @@ struct rangeTooLong {
 constexpr double MAX_ELEMENTS = 1 << 28;
 
 oxArray* row(std::size_t count) {
-    const std::size_t dims[2] = {1, count};
-    return matrix::detail::do_create_uninitnumeric(dims, oxDOUBLE_CLASS, oxREAL);
+    return matrix::createUninitializedNumericArray({1, count}, oxDOUBLE_CLASS);
 }
 
 oxArray* colonStep(double start, double step, double stop) {

@@ -2,6 +2,8 @@
 
 #include <ocos/ClassRegistry.hpp>
 
+#include <fl/i18n.hpp>
+
 #include <array>
 #include <memory>
 #include <stdexcept>
@@ -62,6 +64,12 @@ oxArray* createFilledStringArray(matrix::Dims dims, const String& text) {
 oxArray* createScalarString(const String& text) {
     static constexpr std::array<std::size_t, 2> SCALAR{1, 1};
     return createWithElements(SCALAR, Elements{text});
+}
+
+oxArray* createScalarString(std::u16string_view text) { return createScalarString(String(std::u16string(text))); }
+
+oxArray* createScalarStringFromUtf8(std::string_view text) {
+    return createScalarString(String(fl::i18n::utf8_to_ustring(text)));
 }
 
 const String& getStringElement(const oxArray* array, std::size_t index) {

@@ -5,6 +5,7 @@
 #include <orvex/parseLiteral.hpp>
 
 #include <builtin/builtinreg/Explain.hpp>
+#include <builtin/builtinreg/Reachability.hpp>
 
 #include <fl/i18n.hpp>
 #include <foundation/core/except/Exception.hpp>
@@ -26,7 +27,13 @@ constexpr int USAGE_ERROR = 2;
 const BuiltinFcn* findBuiltin(const std::vector<LoadedBuiltin>& builtins, const std::string& name, std::ostream& out) {
     const BuiltinFcn* builtin = orvex::findBuiltin(builtins, name);
     if (builtin == nullptr) {
-        out << "orvex: no builtin named '" << name << "'; 'orvex list' shows them\n";
+        out << "orvex: no builtin named '" << name << "'; 'orvex list' shows them";
+        // A library that forgot to publish its builtins is the likely cause of a new name's absence.
+        const std::vector<std::string> quiet = bundlesWithoutBuiltins();
+        for (std::size_t i = 0; i < quiet.size(); ++i) {
+            out << (i == 0 ? " (bundles without builtins: " : ", ") << quiet[i];
+        }
+        out << (quiet.empty() ? "\n" : ")\n");
     }
     return builtin;
 }
@@ -68,6 +75,13 @@ int listBuiltins(const std::vector<LoadedBuiltin>& builtins, std::ostream& out) 
         out << loaded.builtin->name << std::string(width - loaded.builtin->name.size() + 2, ' ') << loaded.library
             << ": " << loaded.builtin->getSummary() << " (" << loaded.builtin->getAllVariants().size()
             << (loaded.builtin->getAllVariants().size() == 1 ? " variant)\n" : " variants)\n");
+        // Variants the interpreter never reaches, under the builtin they belong to.
+        for (const auto& finding : Velloc::builtin::builtinreg::findUnreachableVariants(*loaded.builtin)) {
+            out << "    unreachable " << toString(finding) << '\n';
+        }
+    }
+    for (const std::string& bundle : bundlesWithoutBuiltins()) {
+        out << "bundle without builtins: " << bundle << '\n';
     }
     return 0;
 }
@@ -88,6 +102,13 @@ int showBuiltin(const std::vector<LoadedBuiltin>& builtins, const std::string& n
                 ? builtin->defaultVariant.cppFunctionName.str()
                 : std::string("none"))
         << '\n';
+    const auto unreachable = Velloc::builtin::builtinreg::findUnreachableVariants(*builtin);
+    if (!unreachable.empty()) {
+        out << "variants no interpreted call reaches:\n";
+        for (const auto& finding : unreachable) {
+            out << "  " << toString(finding) << '\n';
+        }
+    }
     return 0;
 }
 

@@ -9,6 +9,7 @@
 
 #include <fl/i18n.hpp>
 #include <foundation/core/except/Exception.hpp>
+#include <strings/StringArray.hpp>
 
 #include <algorithm>
 #include <complex>
@@ -34,6 +35,28 @@ struct ScalarArgument {
     unsigned long index;
     Velloc::builtin::types::NumericScalarTypes type;
 };
+
+// A literal of the command line as compiled code sees it: a numeric scalar, or a literal
+// text ('omitnan' or "omitnan"), which a flag position takes when it is the flag's text.
+struct CompiledArgument {
+    std::optional<ScalarArgument> scalar;
+    std::optional<std::u16string> text;
+};
+
+std::optional<std::u16string> textOf(const oxArray* array) {
+    if (matrix::getClassID(array) == oxCHAR_CLASS) {
+        const matrix::Dims dims = matrix::getDimensions(array);
+        if (dims.size() == 2 && (dims[0] == 1 || matrix::isEmpty(array))) {
+            const char16_t* data = matrix::getTypedData<char16_t>(array);
+            return data == nullptr ? std::u16string() : std::u16string(data, matrix::getNumberOfElements(array));
+        }
+        return std::nullopt;
+    }
+    if (Velloc::String::isStringArray(array) && matrix::getNumberOfElements(array) == 1) {
+        return Velloc::String::getStringElement(array, 0).text();
+    }
+    return std::nullopt;
+}
 
 template <std::size_t... I>
 std::optional<ScalarArgument> scalarOf(const oxArray* array, std::index_sequence<I...>) {
@@ -91,22 +114,27 @@ public:
     std::exception_ptr error;
 };
 
-// The first variant the engine may call with exactly these scalar types, and the index
-// of its scalar result.
+// The first variant the engine may call with exactly these arguments: each numeric scalar
+// of its declared type, and each literal text at a flag position equal to the flag, as
+// compiled code matches its option texts; and the index of its scalar result.
 const BuiltinVariant* findCompiledVariant(std::span<const BuiltinVariant> list,
-                                          const std::vector<ScalarArgument>& arguments, unsigned long& resultIndex) {
+                                          const std::vector<CompiledArgument>& arguments, unsigned long& resultIndex) {
     for (const BuiltinVariant& variant : list) {
         if (variant.inputArgTypes.size() != arguments.size() || variant.outputArgTypes.size() != 1) {
             continue;
         }
         const auto* result = std::get_if<Velloc::builtin::types::NumericScalarTypes>(&variant.outputArgTypes[0]);
         const std::optional<unsigned long> index = result != nullptr ? indexOf(*result) : std::nullopt;
-        const bool takesThem = std::equal(arguments.begin(), arguments.end(), variant.inputArgTypes.begin(),
-                                          [](const ScalarArgument& argument, const auto& declared) {
-                                              const auto* scalar =
-                                                  std::get_if<Velloc::builtin::types::NumericScalarTypes>(&declared);
-                                              return scalar != nullptr && *scalar == argument.type;
-                                          });
+        bool takesThem = true;
+        for (std::size_t i = 0; i < arguments.size() && takesThem; ++i) {
+            const auto& declared = variant.inputArgTypes[i];
+            if (const auto* flag = std::get_if<Velloc::builtin::types::FlagInputType>(&declared)) {
+                takesThem = arguments[i].text && *arguments[i].text == flag->getValue();
+            } else {
+                const auto* scalar = std::get_if<Velloc::builtin::types::NumericScalarTypes>(&declared);
+                takesThem = scalar != nullptr && arguments[i].scalar && *scalar == arguments[i].scalar->type;
+            }
+        }
         if (index && takesThem) {
             resultIndex = *index;
             return &variant;
@@ -124,46 +152,60 @@ int callCompiled(const std::vector<LoadedBuiltin>& builtins, const std::string& 
         out << "orvex: no builtin named '" << name << "'; 'orvex list' shows them\n";
         return 2;
     }
-    std::vector<ScalarArgument> arguments;
+    std::vector<CompiledArgument> arguments;
     for (std::size_t i = 0; i < argumentTexts.size(); ++i) {
-        std::optional<ScalarArgument> argument;
+        CompiledArgument argument;
         try {
             const matrix::ArrayPtr array = parseLiteral(argumentTexts[i]);
             if (matrix::getNumberOfElements(array.get()) == 1 && !matrix::isSparse(array.get())) {
-                argument = scalarOf(array.get(), ScalarIndices{});
+                argument.scalar = scalarOf(array.get(), ScalarIndices{});
+            }
+            if (!argument.scalar) {
+                argument.text = textOf(array.get());
             }
         } catch (const LiteralError& error) {
             out << "orvex: argument " << i + 1 << ": " << error.what() << '\n';
             return 2;
         }
-        if (!argument) {
-            out << "orvex: argument " << i + 1 << ": compiled callers pass numeric scalars only\n";
+        if (!argument.scalar && !argument.text) {
+            out << "orvex: argument " << i + 1
+                << ": compiled callers pass numeric scalars, and literal option texts at flag positions\n";
             return 2;
         }
-        arguments.push_back(std::move(*argument));
+        arguments.push_back(std::move(argument));
     }
     unsigned long resultIndex = 0;
     const BuiltinVariant* variant =
-        arguments.empty() || arguments.size() > 2
-            ? nullptr
-            : findCompiledVariant({builtin->variants, builtin->numVariants}, arguments, resultIndex);
+        findCompiledVariant({builtin->variants, builtin->numVariants}, arguments, resultIndex);
+    // Flags are matched, not passed: the wrapper takes the scalars, one or two.
+    std::vector<const ScalarArgument*> scalars;
+    for (const CompiledArgument& argument : arguments) {
+        if (argument.scalar) {
+            scalars.push_back(&*argument.scalar);
+        }
+    }
+    if (variant != nullptr && (scalars.empty() || scalars.size() > 2)) {
+        variant = nullptr;
+    }
     if (variant == nullptr) {
-        out << "orvex: no variant of " << name << " that the engine calls takes these one or two scalars\n";
+        out << "orvex: no variant of " << name
+            << " that the engine calls takes these arguments (one or two numeric scalars of its declared types, "
+               "and the literal option text at each of its flag positions)\n";
         return 2;
     }
     out << "compiled call of " << variant->cppFunctionName << '\n';
 
     std::vector<Parameter> parameters;
-    for (const ScalarArgument& argument : arguments) {
-        parameters.push_back(argument.value);
+    for (const ScalarArgument* argument : scalars) {
+        parameters.push_back(argument->value);
     }
     EngineEnvironment environment;
     bool raised = false;
     const detail::InlineCResult record =
-        arguments.size() == 1
-            ? detail::getExportedInlineCWrapperFcn(nullptr, resultIndex, arguments[0].index)(
+        scalars.size() == 1
+            ? detail::getExportedInlineCWrapperFcn(nullptr, resultIndex, scalars[0]->index)(
                   &variant->functionDescriptor, &environment, &raised, parameters.data())
-            : detail::getExportedInlineCWrapperFcn(nullptr, resultIndex, arguments[0].index, arguments[1].index)(
+            : detail::getExportedInlineCWrapperFcn(nullptr, resultIndex, scalars[0]->index, scalars[1]->index)(
                   &variant->functionDescriptor, &environment, &raised, parameters.data());
     if (raised) {
         for (const std::u16string& warning : environment.warnings) {

@@ -27,11 +27,14 @@ std::optional<std::string> argumentOf(std::string_view statement, std::string_vi
     return std::string(argument);
 }
 
+// Each bundle at path on its own: one that fails is reported and skipped, the others load.
 void load(const std::string& path, std::ostream& out) {
     if (!std::filesystem::is_directory(path)) {
         throw std::invalid_argument("load: no bundle directory at '" + path + "'");
     }
-    foundation::cppmicroservices::installAndStart(path, "");
+    if (loadBundles(path, out) == 0) {
+        throw std::invalid_argument("load: no bundle at '" + path + "' started");
+    }
     out << "loaded " << path << '\n';
 }
 

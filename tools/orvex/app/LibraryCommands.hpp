@@ -1,7 +1,9 @@
 // Session statements that change which defining libraries are loaded while it runs:
 //
 //     load PATH      installs and starts the bundles at PATH (a bundle's directory, or a
-//                    directory of them); their builtins become callable
+//                    directory of them), each on its own: one that fails is reported with
+//                    its path and the reason, and the others load; their builtins become
+//                    callable
 //     unload NAME    stops the bundle of the library NAME, as `list` names it; its builtins
 //                    go with it once the calls running them return
 #pragma once

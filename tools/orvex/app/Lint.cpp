@@ -2,50 +2,56 @@
 
 #include <builtin/builtinreg/Explain.hpp>
 #include <builtin/builtinreg/MakeVariant.hpp>
+#include <builtin/builtinreg/Reachability.hpp>
 
 #include <boost/json.hpp>
 
 #include <algorithm>
 #include <ostream>
-#include <span>
 
 namespace orvex {
 
-using Velloc::builtin::BuiltinVariant;
 using Velloc::builtin::builtinreg::CleanupFinding;
+using Velloc::builtin::builtinreg::UnreachableVariant;
 
 namespace {
 
-// Does every call that reaches later also reach earlier? Both take the same counts and
-// earlier accepts each of later's declared inputs (element-wise when it runs so).
-bool takesEveryCallOf(const BuiltinVariant& earlier, const BuiltinVariant& later) {
-    if (earlier.inputArgTypes.size() != later.inputArgTypes.size() ||
-        earlier.outputArgTypes.size() != later.outputArgTypes.size() ||
-        (later.isElementWise && !earlier.isElementWise)) {
-        return false;
+struct Finding {
+    std::string kind;
+    std::string variant;
+    std::string by;
+    std::string reason;
+    std::string fix;
+};
+
+// One line: "shadowed: VARIANT by EARLIER" or "KIND: VARIANT: REASON. Fix: FIX."
+std::string lineOf(const Finding& finding) {
+    if (finding.reason.empty()) {
+        return finding.kind + ": " + finding.variant + (finding.by.empty() ? "" : " by " + finding.by);
     }
-    for (std::size_t i = 0; i < earlier.inputArgTypes.size(); ++i) {
-        if (!(earlier.inputArgTypes[i] == later.inputArgTypes[i]) &&
-            !Velloc::builtin::types::isAcceptable(earlier.inputArgTypes[i], later.inputArgTypes[i])) {
-            return false;
-        }
-    }
-    return true;
+    return finding.kind + ": " + finding.variant + ": " + finding.reason + ". Fix: " + finding.fix + ".";
 }
 
-// Variants of the interpreter's list that no call reaches, because an earlier one takes
-// all their calls.
-std::vector<CleanupFinding> shadowedForInvoke(const Velloc::builtin::BuiltinFcn& builtin) {
-    std::vector<CleanupFinding> findings;
-    const std::span<const BuiltinVariant> list = builtin.getSearchedByInvokeNoLxe();
-    for (std::size_t w = 0; w < list.size(); ++w) {
-        for (std::size_t v = 0; v < w; ++v) {
-            if (takesEveryCallOf(list[v], list[w])) {
-                findings.push_back({CleanupFinding::Kind::SHADOWED, Velloc::builtin::builtinreg::variantLabel(list[w]),
-                                    Velloc::builtin::builtinreg::variantLabel(list[v])});
-                break;
+std::vector<Finding> findingsOf(const Velloc::builtin::BuiltinFcn& builtin) {
+    std::vector<Finding> findings;
+    for (const UnreachableVariant& unreachable : Velloc::builtin::builtinreg::findUnreachableVariants(builtin)) {
+        if (unreachable.kind == UnreachableVariant::Kind::SHADOWED) {
+            findings.push_back({"shadowed", unreachable.variant, unreachable.by, {}, {}});
+        } else {
+            findings.push_back({toString(unreachable.kind), unreachable.variant, {}, unreachable.reason, unreachable.fix});
+        }
+    }
+    // What cleanup did is kept by builtins made with the registration templates. A boxed
+    // copy it removed matters only where its original lost the interpreter's calls, which
+    // the reachability findings above say with the reason.
+    if (const auto* registered = dynamic_cast<const Velloc::builtin::builtinreg::RegisteredBuiltin*>(&builtin)) {
+        std::vector<Finding> cleanup;
+        for (const CleanupFinding& finding : registered->getCleanupFindings()) {
+            if (finding.kind != CleanupFinding::Kind::UNSUPPORTED_BOXING) {
+                cleanup.push_back({toString(finding.kind), finding.variant, finding.by, {}, {}});
             }
         }
+        findings.insert(findings.begin(), cleanup.begin(), cleanup.end());
     }
     return findings;
 }
@@ -60,23 +66,18 @@ int lintBuiltins(const std::vector<LoadedBuiltin>& builtins, const std::vector<s
         if (!libraries.empty() && std::find(libraries.begin(), libraries.end(), loaded.library) == libraries.end()) {
             continue;
         }
-        std::vector<CleanupFinding> findings = shadowedForInvoke(*loaded.builtin);
-        // What cleanup did is kept by builtins made with the registration templates.
-        if (const auto* registered =
-                dynamic_cast<const Velloc::builtin::builtinreg::RegisteredBuiltin*>(loaded.builtin)) {
-            findings.insert(findings.begin(), registered->getCleanupFindings().begin(),
-                            registered->getCleanupFindings().end());
-        }
-        for (const CleanupFinding& finding : findings) {
+        for (const Finding& finding : findingsOf(*loaded.builtin)) {
             ++count;
             if (json) {
                 report.push_back({{"library", loaded.library},
                                   {"builtin", loaded.builtin->name},
-                                  {"kind", toString(finding.kind)},
+                                  {"kind", finding.kind},
                                   {"variant", finding.variant},
-                                  {"by", finding.by}});
+                                  {"by", finding.by},
+                                  {"reason", finding.reason},
+                                  {"fix", finding.fix}});
             } else {
-                out << loaded.library << ": " << loaded.builtin->name << ": " << toString(finding) << '\n';
+                out << loaded.library << ": " << loaded.builtin->name << ": " << lineOf(finding) << '\n';
             }
         }
     }

@@ -1,12 +1,13 @@
 // orvex: runs statements over the builtins of the defining libraries found as bundles
-// under the installation root (or --bundles DIR), interactively or as a script, and
-// lists, shows, calls and explains them one command at a time.
+// under the installation root (and in each --bundles DIR), interactively or as a script,
+// lists, shows, calls and explains them one command at a time, and writes new libraries.
 #include "Commands.hpp"
 #include "CompiledCall.hpp"
 #include "Dump.hpp"
 #include "Language.hpp"
 #include "Libraries.hpp"
 #include "Lint.hpp"
+#include "NewLibrary.hpp"
 #include "Repl.hpp"
 #include "Session.hpp"
 #include "Stats.hpp"
@@ -24,17 +25,26 @@
 namespace {
 
 constexpr const char* USAGE =
-    "usage: orvex [--bundles DIR] [--stats]          a session: interactive on a terminal, else a script\n"
-    "       orvex [--bundles DIR] [--stats] FILE     the statements of FILE as a script\n"
-    "         --stats: afterwards, how often each variant was taken\n"
-    "       orvex [--bundles DIR] list               every builtin, its library and summary\n"
-    "       orvex [--bundles DIR] dump [--json]       every builtin, its lists and variants\n"
-    "       orvex [--bundles DIR] lint [--json] [LIBRARY...]  variants cleanup removed or found shadowed\n"
-    "       orvex [--bundles DIR] show NAME          the variants of a builtin, list by list\n"
-    "       orvex [--bundles DIR] call NAME [ARG...]  call a builtin and print its result\n"
-    "       orvex [--bundles DIR] compiled NAME [ARG...]  call as compiled code does: scalars, no boxing\n"
-    "       orvex [--bundles DIR] explain NAME [ARG...]  the variant a call reaches and why the others refuse\n"
-    "       orvex --help | -h | help                 this text\n"
+    "usage: orvex [OPTION...]                       a session: interactive on a terminal, else a script\n"
+    "       orvex [OPTION...] FILE                  the statements of FILE as a script\n"
+    "       orvex [OPTION...] list                  every builtin, its library and summary\n"
+    "       orvex [OPTION...] dump [--json]         every builtin, its lists and variants\n"
+    "       orvex [OPTION...] lint [--json] [LIBRARY...]  variants no interpreted call reaches, or that\n"
+    "                                               cleanup removed or found shadowed\n"
+    "       orvex [OPTION...] show NAME             the variants of a builtin, list by list\n"
+    "       orvex [OPTION...] call NAME [ARG...]    call a builtin and print its result\n"
+    "       orvex [OPTION...] compiled NAME [ARG...]  call as compiled code does: scalars and literal\n"
+    "                                               option texts, no boxing\n"
+    "       orvex [OPTION...] explain NAME [ARG...]  the variant a call reaches and why the others refuse\n"
+    "       orvex new NAME [DIR]                    write a new library NAME, ready to build, into DIR\n"
+    "                                               (default ./NAME)\n"
+    "       orvex --help | -h | help                this text\n"
+    "OPTION:\n"
+    "  --bundles DIR        also load the bundles in DIR (a bundle's folder, or a folder of them);\n"
+    "                       may be repeated, and adds to the default folder ORVEX_ROOT/modules\n"
+    "  --no-default-bundles leave the default folder out\n"
+    "  --stats              (sessions) afterwards, how often each variant was taken\n"
+    "A bundle that fails to load is reported with its path and the reason, and the others load.\n"
     "ARG is a literal: 3, -2.5, 1e3, Inf, 3+4i, [1 2; 3 4], [1 -2], int8(5), single(2), true,\n"
     "  'chars', \"string\"\n"
     "A session statement is an expression, maybe assigned: x = 1 + 2*3, y = -sqrt(x + 2),\n"
@@ -52,15 +62,32 @@ int run(std::vector<std::string> args) {
         std::cout << USAGE;
         return 0;
     }
-    std::filesystem::path bundles = orvex::defaultBundleDirectory();
-    if (args.size() >= 2 && args[0] == "--bundles") {
-        bundles = args[1];
-        args.erase(args.begin(), args.begin() + 2);
+    if (!args.empty() && args[0] == "new") {
+        if (args.size() < 2 || args.size() > 3) {
+            std::cerr << USAGE;
+            return 2;
+        }
+        return orvex::writeNewLibrary(args[1], std::filesystem::path(args.size() == 3 ? args[2] : args[1]),
+                                      std::cout, std::cerr);
     }
+    orvex::BundleFolders folders;
     std::optional<orvex::DispatchStats> stats;
-    if (!args.empty() && args[0] == "--stats") {
-        stats.emplace();
-        args.erase(args.begin());
+    while (!args.empty() && args[0].starts_with("--")) {
+        if (args[0] == "--bundles" && args.size() >= 2) {
+            folders.extra.emplace_back(args[1]);
+            args.erase(args.begin(), args.begin() + 2);
+        } else if (args[0] == "--no-default-bundles") {
+            folders.withDefault = false;
+            args.erase(args.begin());
+        } else if (args[0] == "--stats") {
+            stats.emplace();
+            args.erase(args.begin());
+        } else {
+            std::cerr << "orvex: " << (args[0] == "--bundles" ? "--bundles needs a folder" : "unknown option " + args[0])
+                      << '\n'
+                      << USAGE;
+            return 2;
+        }
     }
     const std::vector<std::string> commands{"list", "dump", "lint", "show", "call", "compiled", "explain"};
     const bool isCommand = !args.empty() && std::find(commands.begin(), commands.end(), args[0]) != commands.end();
@@ -68,7 +95,9 @@ int run(std::vector<std::string> args) {
         std::cerr << USAGE;
         return 2;
     }
-    const orvex::TrackedLibraries libraries(bundles);
+    // list, show and lint print the variants no interpreted call reaches themselves.
+    const bool listsUnreachable = isCommand && (args[0] == "list" || args[0] == "show" || args[0] == "lint");
+    const orvex::TrackedLibraries libraries(folders, std::cerr, !listsUnreachable);
     const auto snapshot = libraries.snapshot();
     const std::vector<orvex::LoadedBuiltin>& builtins = snapshot->builtins;
     const orvex::Language language(libraries);

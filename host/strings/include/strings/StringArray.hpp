@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Velloc::String {
@@ -21,8 +22,12 @@ bool isStringArray(const oxArray* array);
 oxArray* createStringArray(matrix::Dims dims, std::vector<std::u16string> texts);
 // An array of the given dimensions in which every element is a copy of text.
 oxArray* createFilledStringArray(matrix::Dims dims, const String& text);
-// A 1-by-1 string array: a scalar string.
+// A 1-by-1 string array: a scalar string. A builtin returning text may instead return
+// std::u16string or std::string, which the framework turns into a scalar string.
 oxArray* createScalarString(const String& text);
+oxArray* createScalarString(std::u16string_view text);
+// The same from UTF-8; text that is not UTF-8 throws fl::i18n::conversion_error.
+oxArray* createScalarStringFromUtf8(std::string_view text);
 
 // Element index of a string array, valid while the array lives. Throws
 // std::invalid_argument for an array of another class and std::out_of_range for an

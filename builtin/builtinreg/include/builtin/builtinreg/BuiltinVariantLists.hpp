@@ -45,9 +45,15 @@ public:
 
     // What cleanup removed or demoted, in the order it found them.
     const std::vector<CleanupFinding>& getCleanupFindings() const noexcept { return findings_; }
+    // The boxed copies cleanup removed because the engine could not call them (findings
+    // of kind UNSUPPORTED_BOXING), as they were: the reachability report
+    // (builtinreg/Reachability.hpp) says from them why their originals lost the
+    // interpreter's calls.
+    const std::vector<BuiltinVariant>& getRemovedBoxingVariants() const noexcept { return removedBoxing_; }
 
 private:
     std::vector<CleanupFinding> findings_;
+    std::vector<BuiltinVariant> removedBoxing_;
 };
 
 } // namespace Velloc::builtin::builtinreg

@@ -23,6 +23,11 @@ const BuiltinVariant* findLastVariantWithSupportLevel(const std::vector<BuiltinV
                                                       const std::initializer_list<types::LxeSupportLevel>& levels);
 
 void sortFlags(FlagSpecification& flags);
+// Throws std::invalid_argument, naming the builtin, the function and the flag, when a
+// flag of the sorted specification stands beyond the inputs of a function of
+// parameterCount parameters (with the flags before it).
+void checkFlagPositions(std::string_view orvexFunctionName, std::string_view cppFunctionName,
+                        const FlagSpecification& flags, std::size_t parameterCount);
 // Positions refer to the list after the earlier insertions: sort the flags first.
 void addFlagInputTypes(BuiltinVariant& variant, const FlagSpecification& flags);
 void addFlagInputTypes(std::vector<BuiltinVariant>& variants, const FlagSpecification& flags);

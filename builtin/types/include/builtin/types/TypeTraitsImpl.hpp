@@ -16,9 +16,11 @@
 
 namespace Velloc::builtin::types {
 
-// A type the framework cannot describe: a variant using it is removed from every list.
+// A type the framework cannot describe: a variant using it is removed from every list,
+// and makeVariants refuses to compile a developer function that uses it.
 template <class T>
 struct TypeTraitsImpl {
+    using Undescribed = void;
     static const ArgType& getArgType() {
         static const ArgType type = UnsupportedArgType{};
         return type;
