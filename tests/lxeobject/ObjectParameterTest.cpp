@@ -153,8 +153,8 @@ TEST(ObjectParameters, DispatchRefusesOtherObjectsAndArraysNamingTheClasses) {
                           "'paramtest.Counter'"));
     arguments[0] = number.get();
     EXPECT_THAT(builtinreg::describeNoMatch(builtin, 1, 1, arguments.data()),
-                HasSubstr("input 1 is oxArray_of<double,ox_scalar,ox_full,false>, the variant takes an object of "
-                          "class 'paramtest.Counter'"));
+                HasSubstr("input 1 is a double scalar (oxArray_of<double,ox_scalar,ox_full,false>), the variant "
+                          "takes an object of class 'paramtest.Counter'"));
 
     // Another C++ class of the same class passes dispatch and is refused by the conversion.
     const Owned legacy = arrayOf(new paramtest::LegacyCounter);

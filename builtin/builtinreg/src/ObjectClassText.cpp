@@ -14,6 +14,11 @@ std::string classText(oxClassID classId) {
     return cls != nullptr ? "class '" + cls->getName() + "'" : "class " + std::to_string(classId);
 }
 
+// Strings are class objects too, but diagnostics speak of them as strings.
+bool isDescribedAsObject(oxClassID classId) {
+    return types::isObjectClass(classId) && classId != ocos::STRING_CLASS_ID;
+}
+
 } // namespace
 
 std::optional<oxClassID> declaredObjectClass(const types::ArgType& declared) {
@@ -25,12 +30,12 @@ std::optional<oxClassID> declaredObjectClass(const types::ArgType& declared) {
     } else if (const auto* array = std::get_if<types::OxArrayTypes>(&declared)) {
         classId = array->getElement();
     }
-    return types::isObjectClass(classId) ? std::optional(classId) : std::nullopt;
+    return isDescribedAsObject(classId) ? std::optional(classId) : std::nullopt;
 }
 
 std::string describeObjectArray(const oxArray* array) {
     const oxClassID classId = matrix::getClassID(array);
-    if (!types::isObjectClass(classId)) {
+    if (!isDescribedAsObject(classId)) {
         return {};
     }
     const std::string cls = classText(classId);

@@ -1,6 +1,7 @@
 #include <builtin/builtinreg/Reachability.hpp>
 
 #include <builtin/builtinreg/Explain.hpp>
+#include <builtin/builtinreg/ObjectReachability.hpp>
 #include <builtin/builtinreg/MakeVariant.hpp>
 #include <builtin/builtinreg/Rejection.hpp>
 #include <builtin/types/ArgType.hpp>
@@ -269,6 +270,13 @@ std::vector<UnreachableVariant> findUnreachableVariants(const BuiltinFcn& builti
                                           [&](const ArgType& type) { return !takesArrays(interpreted, type); });
         if (blocked != interpreted.inputArgTypes.end()) {
             if (takerOfInterpretedCalls(list, interpreted) != nullptr) {
+                continue;
+            }
+            // An object parameter declared as a class pointer has a twin over the class's
+            // arrays, which interpreted calls reach.
+            const bool objectInput = std::holds_alternative<types::LxeObjectTypes>(*blocked) ||
+                                     std::holds_alternative<types::LxeObjectPlaceTypes>(*blocked);
+            if (objectInput && engineObjectInputReason(interpreted, list).empty()) {
                 continue;
             }
             UnreachableVariant finding = describeUnreached(
