@@ -57,6 +57,28 @@ std::string jsonOfAny(const Any& value)
     return value.ToJSON();
 }
 
+namespace {
+
+const char* shortEscape(char c)
+{
+    switch (c) {
+    case '\b':
+        return "\\b";
+    case '\f':
+        return "\\f";
+    case '\n':
+        return "\\n";
+    case '\r':
+        return "\\r";
+    case '\t':
+        return "\\t";
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace
+
 std::string jsonString(std::string_view text)
 {
     static constexpr char HEX[] = "0123456789abcdef";
@@ -64,6 +86,8 @@ std::string jsonString(std::string_view text)
     for (const char c : text) {
         if (c == '"' || c == '\\') {
             json.append(1, '\\').append(1, c);
+        } else if (const char* escape = shortEscape(c)) {
+            json.append(escape);
         } else if (static_cast<unsigned char>(c) < 0x20) {
             json.append("\\u00").append(1, HEX[(c >> 4) & 0xF]).append(1, HEX[c & 0xF]);
         } else {

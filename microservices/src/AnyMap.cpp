@@ -38,6 +38,11 @@ Iterator positionIn(Variant& map, Fn&& pick)
 
 } // namespace
 
+void detail::throwEmptyAnyMapIterator()
+{
+    throw std::logic_error("empty iterator");
+}
+
 AnyMap::AnyMap() : map_(std::in_place_index<0>) {}
 AnyMap::AnyMap(std::initializer_list<value_type> entries) : map_(std::in_place_index<0>, entries) {}
 AnyMap::AnyMap(map_type type) : map_(emptyMap(type)) {}

@@ -43,9 +43,19 @@ bool Bundle::operator==(const Bundle& other) const
     return d_ == other.d_;
 }
 
+// As CppMicroServices: an invalid bundle after every valid one; bundles of one framework by
+// id; bundles of different frameworks by framework.
 bool Bundle::operator<(const Bundle& other) const
 {
-    return (d_ ? d_->id() : -1) < (other.d_ ? other.d_->id() : -1);
+    if (!d_ || !other.d_) {
+        return d_ && !other.d_;
+    }
+    const auto& framework = d_->framework();
+    const auto& otherFramework = other.d_->framework();
+    if (framework.owner_before(otherFramework) || otherFramework.owner_before(framework)) {
+        return framework.owner_before(otherFramework);
+    }
+    return d_->id() < other.d_->id();
 }
 
 Bundle::State Bundle::GetState() const

@@ -113,8 +113,12 @@ void BundlePrivate::start(CoreContext& core)
             activator_->Start(ContextAccess::make(context));
         }
     } catch (...) {
+        // As CppMicroServices: the bundle is seen stopping and stopped, and ends resolved.
         const std::string reason = describe(std::current_exception());
+        setState(Bundle::STATE_STOPPING);
+        announce(core, BundleEvent::BUNDLE_STOPPING);
         deactivate(core);
+        announce(core, BundleEvent::BUNDLE_STOPPED);
         throw std::runtime_error("bundle '" + symbolicName_ + "' failed to start: " + reason);
     }
     if (!core.running()) {

@@ -35,6 +35,8 @@ public:
 
     // Throws std::runtime_error when the framework no longer exists.
     std::shared_ptr<CoreContext> core() const;
+    // The framework, which may be gone; for ordering bundles of different frameworks.
+    const std::weak_ptr<CoreContext>& framework() const { return core_; }
 
     // The current context, null while the bundle is not starting, active or stopping.
     std::shared_ptr<BundleContextPrivate> context() const;

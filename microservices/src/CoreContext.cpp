@@ -67,6 +67,8 @@ void CoreContext::stopFramework()
         }
         systemBundle_->setState(Bundle::STATE_STOPPING);
     }
+    // As CppMicroServices: the framework's own STOPPING comes before any bundle stops.
+    listeners_->bundleChanged(BundleEvent(BundleEvent::BUNDLE_STOPPING, BundleAccess::make(systemBundle_)));
     auto installed = bundles();
     std::reverse(installed.begin(), installed.end());
     for (const auto& bundle : installed) {
@@ -95,12 +97,18 @@ FrameworkEvent CoreContext::waitForStop(std::chrono::milliseconds timeout)
         return state != Bundle::STATE_STARTING && state != Bundle::STATE_ACTIVE && state != Bundle::STATE_STOPPING;
     };
     std::unique_lock lock(stopMutex_);
+    if (systemBundle_->state() == Bundle::STATE_INSTALLED) {
+        // Never initialised, so never stopped either: as CppMicroServices, an error.
+        return FrameworkEvent(FrameworkEvent::FRAMEWORK_ERROR, BundleAccess::make(systemBundle_),
+                              "the framework was never started");
+    }
     if (timeout.count() == 0) {
         stopped_.wait(lock, isStopped);
     } else if (!stopped_.wait_for(lock, timeout, isStopped)) {
-        return FrameworkEvent(FrameworkEvent::FRAMEWORK_WAIT_TIMEDOUT, BundleAccess::make(systemBundle_));
+        return FrameworkEvent(FrameworkEvent::FRAMEWORK_WAIT_TIMEDOUT, BundleAccess::make(systemBundle_),
+                              "wait for stop timed out");
     }
-    return FrameworkEvent(FrameworkEvent::FRAMEWORK_STOPPED, BundleAccess::make(systemBundle_));
+    return FrameworkEvent(FrameworkEvent::FRAMEWORK_STOPPED, BundleAccess::make(systemBundle_), "Framework Stopped");
 }
 
 void CoreContext::startBundle(BundlePrivate& bundle)

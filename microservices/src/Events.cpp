@@ -4,14 +4,18 @@
 #include "cppmicroservices/Constants.h"
 
 #include <ostream>
+#include <stdexcept>
 
 namespace cppmicroservices {
 
-ServiceEvent::ServiceEvent(Type type, const ServiceReferenceBase& reference) : type_(type), reference_(reference) {}
+ServiceEvent::ServiceEvent(Type type, const ServiceReferenceBase& reference)
+    : type_(type), reference_(reference), valid_(true)
+{
+}
 
 ServiceEvent::operator bool() const
 {
-    return static_cast<bool>(reference_);
+    return valid_;
 }
 
 ServiceEvent::Type ServiceEvent::GetType() const
@@ -36,18 +40,28 @@ std::ostream& operator<<(std::ostream& out, ServiceEvent::Type type)
     case ServiceEvent::SERVICE_MODIFIED_ENDMATCH:
         return out << "MODIFIED_ENDMATCH";
     }
-    return out << "unknown service event " << static_cast<std::uint32_t>(type);
+    return out << "unknown service event type (" << static_cast<int>(type) << ")";
 }
 
 std::ostream& operator<<(std::ostream& out, const ServiceEvent& event)
 {
     if (!event) {
-        return out << "invalid service event";
+        return out << "NONE";
     }
-    return out << event.GetType() << " " << event.GetServiceReference();
+    out << event.GetType();
+    if (const ServiceReferenceU reference = event.GetServiceReference()) {
+        out << " " << reference.GetProperty(Constants::SERVICE_ID).ToStringNoExcept() << " objectClass="
+            << reference.GetProperty(Constants::OBJECTCLASS).ToStringNoExcept() << ")";
+    }
+    return out;
 }
 
-BundleEvent::BundleEvent(Type type, const Bundle& bundle) : type_(type), bundle_(bundle) {}
+BundleEvent::BundleEvent(Type type, const Bundle& bundle) : type_(type), bundle_(bundle)
+{
+    if (!bundle_) {
+        throw std::invalid_argument("invalid bundle");
+    }
+}
 
 BundleEvent::operator bool() const
 {
@@ -78,15 +92,17 @@ std::ostream& operator<<(std::ostream& out, BundleEvent::Type type)
     case BundleEvent::BUNDLE_STOPPING:
         return out << "STOPPING";
     }
-    return out << "unknown bundle event " << static_cast<std::uint32_t>(type);
+    return out << "Unknown bundle event type (" << static_cast<int>(type) << ")";
 }
 
 std::ostream& operator<<(std::ostream& out, const BundleEvent& event)
 {
     if (!event) {
-        return out << "invalid bundle event";
+        return out << "NONE";
     }
-    return out << event.GetType() << " " << event.GetBundle();
+    const Bundle bundle = event.GetBundle();
+    return out << event.GetType() << " #" << bundle.GetBundleId() << " (" << bundle.GetSymbolicName() << " at "
+               << bundle.GetLocation() << ")";
 }
 
 std::ostream& operator<<(std::ostream& out, const Bundle& bundle)

@@ -3,6 +3,7 @@
 
 #include "CoreContext.h"
 
+#include <ostream>
 #include <stdexcept>
 
 namespace cppmicroservices {
@@ -58,9 +59,15 @@ Framework FrameworkFactory::NewFramework(const FrameworkConfiguration& configura
     return Framework(std::move(owner));
 }
 
-FrameworkEvent::FrameworkEvent(Type type, Bundle bundle, std::string message)
-    : type_(type), bundle_(std::move(bundle)), message_(std::move(message))
+FrameworkEvent::FrameworkEvent(Type type, Bundle bundle, std::string message, std::exception_ptr exception)
+    : type_(type), bundle_(std::move(bundle)), message_(std::move(message)), exception_(std::move(exception)),
+      valid_(true)
 {
+}
+
+FrameworkEvent::operator bool() const
+{
+    return valid_;
 }
 
 FrameworkEvent::Type FrameworkEvent::GetType() const
@@ -76,6 +83,53 @@ Bundle FrameworkEvent::GetBundle() const
 std::string FrameworkEvent::GetMessage() const
 {
     return message_;
+}
+
+std::exception_ptr FrameworkEvent::GetThrowable() const
+{
+    return exception_;
+}
+
+std::ostream& operator<<(std::ostream& out, FrameworkEvent::Type type)
+{
+    switch (type) {
+    case FrameworkEvent::FRAMEWORK_STARTED:
+        return out << "STARTED";
+    case FrameworkEvent::FRAMEWORK_ERROR:
+        return out << "ERROR";
+    case FrameworkEvent::FRAMEWORK_WARNING:
+        return out << "WARNING";
+    case FrameworkEvent::FRAMEWORK_INFO:
+        return out << "INFO";
+    case FrameworkEvent::FRAMEWORK_STOPPED:
+        return out << "STOPPED";
+    case FrameworkEvent::FRAMEWORK_STOPPED_UPDATE:
+        return out << "STOPPED_UPDATE";
+    case FrameworkEvent::FRAMEWORK_STOPPED_BOOTCLASSPATH_MODIFIED:
+        return out << "STOPPED_BOOTCLASSPATH_MODIFIED";
+    case FrameworkEvent::FRAMEWORK_WAIT_TIMEDOUT:
+        return out << "WAIT_TIMEDOUT";
+    }
+    return out << "Unknown bundle event type (" << static_cast<unsigned int>(type) << ")";
+}
+
+std::ostream& operator<<(std::ostream& out, const FrameworkEvent& event)
+{
+    if (!event) {
+        return out << "NONE";
+    }
+    std::string exception = "NONE";
+    if (const std::exception_ptr thrown = event.GetThrowable()) {
+        try {
+            std::rethrow_exception(thrown);
+        } catch (const std::exception& error) {
+            exception = error.what();
+        } catch (...) {
+            exception = "an exception that is not a std::exception";
+        }
+    }
+    return out << event.GetType() << "\n " << event.GetMessage() << "\n " << event.GetBundle() << "\n Exception: "
+               << exception;
 }
 
 } // namespace cppmicroservices

@@ -2,11 +2,13 @@
 
 #include <fl/i18n.hpp>
 #include <foundation/core/except/Exception.hpp>
+#include <lxe/LanguageCalls.hpp>
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <stdexcept>
+#include <string_view>
 
 namespace {
 
@@ -101,6 +103,64 @@ TEST(Invoke, CallsTheAcceptingVariantAndConvertsTheResult) {
     EXPECT_NE(stored, nullptr);
     plus.invoke(0, nullptr, 2, args.handles.data(), BuiltinFcn::NoLxe);
     EXPECT_EQ(matrix::getReferenceCount(args.handles[0]), 1U) << "input references are given back";
+}
+
+// The language of the next test: "reassign" gives the variable that held the input a new
+// value, dropping the caller's reference to the old one, as the interpreter does when a
+// callee's call back into the language assigns to it.
+oxArray* languageVariable = nullptr;
+
+void reassigningLanguage(std::string_view name, int, oxArray** plhs, int, oxArray**) {
+    ASSERT_EQ(name, "reassign");
+    matrix::destroyArray(languageVariable);
+    languageVariable = matrix::createScalar<double>(0);
+    plhs[0] = matrix::createScalar<double>(1);
+}
+
+// Calls back into the language, then reads its input.
+double sumAfterCallingBack(CallContext& context, const oxArray* input) {
+    matrix::destroyArray(context.callOrvex("reassign", {}));
+    const double* data = matrix::getTypedData<double>(input);
+    double sum = 0;
+    for (std::size_t i = 0; i < matrix::getNumberOfElements(input); ++i) sum += data[i];
+    return sum;
+}
+
+// The same without a call context: a plain function, which invoke may call straight.
+double sumAfterCallingBackDirectly(const oxArray* input) {
+    oxArray* result = nullptr;
+    Velloc::lxe::callLanguageFunction("reassign", 1, &result, 0, nullptr);
+    matrix::destroyArray(result);
+    const double* data = matrix::getTypedData<double>(input);
+    double sum = 0;
+    for (std::size_t i = 0; i < matrix::getNumberOfElements(input); ++i) sum += data[i];
+    return sum;
+}
+
+// A call holds its inputs as one more reference would: when the callee's call back into the
+// language drops the caller's reference (the variable is reassigned), the input lives until
+// the call returns, and goes then (the leak checker would report it otherwise).
+TEST(Invoke, AnInputOutlivesTheCallersReferenceDroppedByACallBackIntoTheLanguage) {
+    static const BuiltinVariantLists withContext{
+        makeVariants<&sumAfterCallingBack>("sumAfter", {.mayCallIntoOrvex = true})};
+    static const BuiltinVariantLists plain{
+        makeVariants<&sumAfterCallingBackDirectly>("sumAfter", {.mayCallIntoOrvex = true})};
+    const RegisteredBuiltin first("sumAfter", "tests", "", withContext, noDefaultImplementation("sumAfter"));
+    const RegisteredBuiltin second("sumAfter", "tests", "", plain, noDefaultImplementation("sumAfter"));
+    const Velloc::lxe::LanguageFunctionCaller previous = Velloc::lxe::setLanguageFunctionCaller(&reassigningLanguage);
+    for (const RegisteredBuiltin* sumAfter : {&first, &second}) {
+        for (oxArray* value : {row({1, 2, 3}), matrix::createScalar<double>(6)}) {
+            languageVariable = value;
+            oxArray* input = languageVariable;
+            oxArray* result = nullptr;
+            sumAfter->invoke(1, &result, 1, &input, BuiltinFcn::NoLxe);
+            const matrix::ArrayPtr owned(result);
+            EXPECT_EQ(*matrix::getTypedData<double>(result), 6.0);
+            EXPECT_NE(languageVariable, value);
+            matrix::destroyArray(languageVariable);
+        }
+    }
+    Velloc::lxe::setLanguageFunctionCaller(previous);
 }
 
 TEST(Invoke, RefusesAMalformedCallingForm) {

@@ -1,4 +1,5 @@
 #include <matrix/oxArray.hpp>
+#include <matrix/oxArrayLayout.hpp>
 
 #include <gtest/gtest.h>
 
@@ -104,6 +105,51 @@ TEST(ArrayHandles, OpaqueDimensionsCompleteOnceAcrossThreads) {
     EXPECT_FALSE(matrix::hasOpaqueDimensions(array.get()));
     EXPECT_EQ(matrix::getDimensions(array.get())[2], 4u);
     EXPECT_TRUE(matrix::isComplex(array.get()));
+}
+
+// A call's hold on an input keeps it alive as one more reference would. On the thread that
+// made the array the hold is counted apart; the caller's own reference dropped during the
+// call (the callee called back into the language, which reassigned the variable that held
+// the input) leaves the array to the release of the last hold.
+TEST(ArrayHandles, ACallsHoldKeepsItsInputWhenTheCallersReferenceGoesDuringTheCall) {
+    oxArray* input = matrix::createScalar(2.5);
+    matrix::detail::holdForCall(*input);
+    EXPECT_EQ(matrix::getReferenceCount(input), 2u);
+    matrix::destroyArray(input); // the caller's reference
+    EXPECT_EQ(matrix::getReferenceCount(input), 1u);
+    EXPECT_EQ(*matrix::getTypedData<double>(input), 2.5);
+    matrix::detail::releaseAfterCall(*input); // the last: frees it (the leak checker watches)
+
+    // Nested holds: the array lives until the outermost call's release.
+    oxArray* nested = matrix::createScalar(1.0);
+    matrix::detail::holdForCall(*nested);
+    matrix::detail::holdForCall(*nested);
+    matrix::destroyArray(nested);
+    matrix::detail::releaseAfterCall(*nested);
+    EXPECT_EQ(*matrix::getTypedData<double>(nested), 1.0);
+    EXPECT_EQ(matrix::getReferenceCount(nested), 1u);
+    matrix::detail::releaseAfterCall(*nested);
+
+    // A callee that keeps the input (returns it as its result) keeps it past the release.
+    oxArray* kept = matrix::createScalar(3.0);
+    matrix::detail::holdForCall(*kept);
+    matrix::destroyArray(kept);
+    matrix::addReference(kept);
+    matrix::detail::releaseAfterCall(*kept);
+    EXPECT_EQ(matrix::getReferenceCount(kept), 1u);
+    EXPECT_EQ(*matrix::getTypedData<double>(kept), 3.0);
+    matrix::destroyArray(kept);
+
+    // Another thread that drops the last reference but the caller's during the call does
+    // not free it either: the caller's reference still counts until the release.
+    oxArray* shared = matrix::createScalar(4.0);
+    matrix::addReference(shared); // the other thread's
+    matrix::detail::holdForCall(*shared);
+    matrix::destroyArray(shared);
+    std::thread([shared] { matrix::destroyArray(shared); }).join();
+    EXPECT_EQ(*matrix::getTypedData<double>(shared), 4.0);
+    EXPECT_EQ(matrix::getReferenceCount(shared), 1u);
+    matrix::detail::releaseAfterCall(*shared);
 }
 
 TEST(Warnings, GoToTheInstalledHandlerOrToStandardError) {

@@ -106,6 +106,42 @@ TEST_F(DataBlocks, ABlockGivenBackTwiceEndsTheProcess) {
     EXPECT_DEATH(matrix::detail::freeData(block), "a data block was given back twice");
 }
 
+// The second return is caught wherever the first one put the block: not only while it waits
+// in the cache, but also when the cache is off, when the block was evicted since, and when
+// it was too large for the cache, each of which gave it back to the system.
+TEST_F(DataBlocks, ABlockGivenBackTwiceEndsTheProcessAfterItLeftTheCache) {
+    matrix::setDataBlockCacheLimit(0);
+    void* uncached = matrix::detail::allocateData(2 * MIB, 64);
+    matrix::detail::freeData(uncached);
+    EXPECT_EQ(matrix::dataBlockStatistics().cachedBlocks, 0u);
+    EXPECT_DEATH(matrix::detail::freeData(uncached), "a data block was given back twice");
+
+    matrix::setDataBlockCacheLimit(2 * MIB);
+    void* evicted = matrix::detail::allocateData(2 * MIB, 64);
+    void* evicting = matrix::detail::allocateData(2 * MIB, 64);
+    matrix::detail::freeData(evicted);
+    matrix::detail::freeData(evicting); // takes the only room: the older block goes to the system
+    EXPECT_EQ(matrix::dataBlockStatistics().cachedBlocks, 1u);
+    EXPECT_DEATH(matrix::detail::freeData(evicted), "a data block was given back twice");
+
+    void* tooLarge = matrix::detail::allocateData(4 * MIB, 64);
+    matrix::detail::freeData(tooLarge);
+    EXPECT_DEATH(matrix::detail::freeData(tooLarge), "a data block was given back twice");
+}
+
+// Only large blocks start on a huge page boundary, which is how a return tells them apart.
+TEST_F(DataBlocks, SmallBlocksNeverStartOnAHugePageBoundary) {
+    std::vector<void*> blocks;
+    for (std::size_t bytes = 64; bytes < matrix::LARGE_BLOCK_BYTES; bytes = bytes * 3 / 2 + 64) {
+        for (int i = 0; i < 8; ++i) blocks.push_back(matrix::detail::allocateData(bytes, 64));
+    }
+    for (void* block : blocks) {
+        EXPECT_FALSE(hugePageAligned(block));
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % 64, 0u);
+        matrix::detail::freeData(block);
+    }
+}
+
 #if defined(__SANITIZE_ADDRESS__)
 TEST_F(DataBlocks, AWriteAfterTheBlockWentBackIsReported) {
     double* stale = nullptr;

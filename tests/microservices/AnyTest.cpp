@@ -6,6 +6,7 @@
 
 #include <limits>
 #include <list>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -177,21 +178,51 @@ TEST(AnyMap, DefaultAndListConstructionAndCompoundKeysWithADefault)
 
 TEST(Any, JsonFormsAndUncheckedCasts)
 {
+    // Maps spaced and control characters escaped as CppMicroServices writes them.
     const AnyMap map{{"name", std::string("a \"quoted\"\n\\")},
                      {"numbers", std::vector<Any>{Any(1), Any(2.5), Any(true), Any()}},
                      {"nan", std::numeric_limits<double>::quiet_NaN()},
-                     {"opaque", std::string(1, '\x01')}};
+                     {"opaque", std::string("\x01\b\f\r\t\x1f")}};
     EXPECT_EQ(Any(map).ToJSON(),
-              R"({"name":"a \"quoted\"\u000a\\","nan":null,"numbers":[1,2.5,true,null],"opaque":"\u0001"})");
+              R"({"name" : "a \"quoted\"\n\\", "nan" : null, "numbers" : [1,2.5,true,null], )"
+              R"("opaque" : "\u0001\b\f\r\t\u001f"})");
+    EXPECT_EQ(Any(AnyMap()).ToJSON(), "{}");
     EXPECT_EQ(Any().ToJSON(), "null");
     std::ostringstream out;
     cppmicroservices::any_value_to_json(out, std::vector<int>{1, 2});
     cppmicroservices::any_value_to_string(out << " ", std::vector<int>{1, 2});
-    EXPECT_EQ(out.str(), "[1,2] [1,2]");
+    cppmicroservices::any_value_to_json(out << " ", std::map<std::string, int>{{"one", 1}, {"two", 2}});
+    EXPECT_EQ(out.str(), R"([1,2] [1,2] {"one" : 1, "two" : 2})");
 
     Any held = 42;
     EXPECT_EQ(*cppmicroservices::unsafe_any_cast<int>(&held), 42);
     EXPECT_EQ(cppmicroservices::unsafe_any_cast<int>(static_cast<const Any*>(nullptr)), nullptr);
     const Any none;
     EXPECT_EQ(cppmicroservices::unsafe_any_cast<int>(&none), nullptr);
+}
+
+// As CppMicroServices: an iterator into no map throws std::logic_error when it is
+// dereferenced, incremented or compared; copying and assigning it are fine.
+TEST(AnyMap, ADefaultConstructedIteratorThrowsLogicError)
+{
+    AnyMap::iterator none;
+    AnyMap::const_iterator constNone = none;
+    EXPECT_THROW((void)*none, std::logic_error);
+    EXPECT_THROW((void)none->first, std::logic_error);
+    EXPECT_THROW(++none, std::logic_error);
+    EXPECT_THROW(none++, std::logic_error);
+    EXPECT_THROW((void)(none == none), std::logic_error);
+    EXPECT_THROW((void)*constNone, std::logic_error);
+
+    AnyMap map{{"a", 1}};
+    EXPECT_THROW((void)(constNone == map.cbegin()), std::logic_error);
+    EXPECT_THROW((void)(map.cbegin() != constNone), std::logic_error);
+    try {
+        (void)*none;
+    } catch (const std::logic_error& error) {
+        EXPECT_STREQ(error.what(), "empty iterator");
+    }
+    constNone = map.cbegin();
+    EXPECT_EQ(constNone->first, "a");
+    EXPECT_TRUE(++constNone == map.cend());
 }

@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -130,6 +131,14 @@ TEST_F(BundleTest, ADirectoryOfBundlesInstallsEachOnceInNameOrder)
     EXPECT_THAT(context_.GetBundles((BUNDLES / "greeter_a").string()), testing::ElementsAre(installed[1]));
     EXPECT_EQ(context_.GetBundle(3), installed[2]);
     EXPECT_FALSE(context_.GetBundle(4));
+
+    // As CppMicroServices: by id, and an invalid bundle after every valid one.
+    std::vector<Bundle> sorted{Bundle(), installed[2], framework_, Bundle(), installed[0]};
+    std::sort(sorted.begin(), sorted.end());
+    EXPECT_THAT(sorted, testing::ElementsAre(framework_, installed[0], installed[2], Bundle(), Bundle()));
+    EXPECT_TRUE(installed[0] < Bundle());
+    EXPECT_FALSE(Bundle() < installed[0]);
+    EXPECT_FALSE(Bundle() < Bundle());
 }
 
 TEST_F(BundleTest, AFailedStartLeavesTheBundleResolvedWithoutServices)

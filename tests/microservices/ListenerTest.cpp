@@ -3,7 +3,9 @@
 #include <cppmicroservices/Bundle.h>
 #include <cppmicroservices/BundleContext.h>
 #include <cppmicroservices/BundleEvent.h>
+#include <cppmicroservices/Constants.h>
 #include <cppmicroservices/Framework.h>
+#include <cppmicroservices/FrameworkEvent.h>
 #include <cppmicroservices/FrameworkFactory.h>
 #include <cppmicroservices/ServiceEvent.h>
 
@@ -123,11 +125,45 @@ TEST_F(ListenerTest, BundleListenersHearTheLifeCycleAndEventsPrint)
     std::ostringstream referenceText;
     referenceText << ServiceEvent(ServiceEvent::SERVICE_MODIFIED, reference);
     bundle.Stop();
-    const std::string name = "bundle greeter_b (id " + std::to_string(bundle.GetBundleId()) + ")";
+    // As CppMicroServices streams them.
+    const std::string name =
+        "#" + std::to_string(bundle.GetBundleId()) + " (greeter_b at " + bundle.GetLocation() + ")";
     EXPECT_THAT(heard_, ElementsAre("INSTALLED " + name, "STARTING " + name, "STARTED " + name, "STOPPING " + name,
                                    "STOPPED " + name));
-    EXPECT_THAT(referenceText.str(), MatchesRegex("MODIFIED service [0-9]+ \\(test_bundles::Greeter\\) of bundle greeter_b .*"));
+    EXPECT_THAT(referenceText.str(), MatchesRegex("MODIFIED [0-9]+ objectClass=\\[test_bundles::Greeter\\]\\)"));
     std::ostringstream invalid;
-    invalid << Bundle() << "; " << ServiceEvent() << "; " << BundleEvent();
-    EXPECT_EQ(invalid.str(), "invalid bundle; invalid service event; invalid bundle event");
+    invalid << Bundle() << "; " << ServiceEvent() << "; " << BundleEvent() << "; " << FrameworkEvent();
+    EXPECT_EQ(invalid.str(), "invalid bundle; NONE; NONE; NONE");
+    std::ostringstream unknown;
+    unknown << static_cast<BundleEvent::Type>(0x40) << "; " << static_cast<ServiceEvent::Type>(0x10) << "; "
+            << FrameworkEvent::FRAMEWORK_WAIT_TIMEDOUT << "; " << static_cast<FrameworkEvent::Type>(0x4);
+    EXPECT_EQ(unknown.str(), "Unknown bundle event type (64); unknown service event type (16); WAIT_TIMEDOUT; "
+                             "Unknown bundle event type (4)");
+    // An event of an invalid bundle cannot be made, as in CppMicroServices.
+    EXPECT_THROW(BundleEvent(BundleEvent::BUNDLE_INSTALLED, Bundle()), std::invalid_argument);
+    EXPECT_TRUE(ServiceEvent(ServiceEvent::SERVICE_REGISTERED, ServiceReferenceU()));
+}
+
+// As CppMicroServices: the framework announces its own STOPPING before any bundle stops,
+// and an activator whose Start throws is seen starting, stopping and stopped.
+TEST_F(ListenerTest, TheFrameworksStoppingComesFirstAndAFailedStartIsSeenStopping)
+{
+    context_.AddBundleListener([this](const BundleEvent& event) {
+        std::ostringstream text;
+        text << event.GetType() << " " << event.GetBundle().GetSymbolicName();
+        heard_.push_back(text.str());
+    });
+    const std::filesystem::path bundles(TEST_BUNDLE_DIR);
+    Bundle failing = context_.InstallBundles((bundles / "failing_start").string()).at(0);
+    EXPECT_THROW(failing.Start(), std::runtime_error);
+    EXPECT_EQ(failing.GetState(), Bundle::STATE_RESOLVED);
+    EXPECT_THAT(heard_, ElementsAre("INSTALLED failing_start", "STARTING failing_start", "STOPPING failing_start",
+                                   "STOPPED failing_start"));
+
+    heard_.clear();
+    context_.InstallBundles((bundles / "greeter_b").string()).at(0).Start();
+    heard_.clear();
+    framework_.Stop();
+    EXPECT_THAT(heard_, ElementsAre(std::string("STOPPING ") + Constants::SYSTEM_BUNDLE_SYMBOLICNAME,
+                                   "STOPPING greeter_b", "STOPPED greeter_b"));
 }

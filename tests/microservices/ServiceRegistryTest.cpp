@@ -160,6 +160,15 @@ TEST_F(ServiceRegistryTest, ADeclaredInterfaceIsRegisteredUnderItsDeclaredName)
     EXPECT_EQ(context_.GetServiceReference<Declared>().GetInterfaceId(), "org.builtin2.Declared/1.0");
 }
 
+// As CppMicroServices: service objects need a valid reference.
+TEST_F(ServiceRegistryTest, ServiceObjectsOfAnInvalidReferenceAreRefused)
+{
+    EXPECT_THROW(context_.GetServiceObjects(ServiceReference<Counter>()), std::invalid_argument);
+    EXPECT_THROW(context_.GetServiceObjects(ServiceReferenceU()), std::invalid_argument);
+    add(1);
+    EXPECT_EQ(context_.GetServiceObjects(context_.GetServiceReference<Counter>()).GetService()->value(), 1);
+}
+
 TEST_F(ServiceRegistryTest, UnregisterRemovesTheServiceOnce)
 {
     std::weak_ptr<FixedCounter> watched;
@@ -246,6 +255,31 @@ TEST(FrameworkLifecycle, ContextsOfAStoppedFrameworkThrowOneMessage)
     EXPECT_TRUE(framework.GetBundleContext().GetServiceReferences<Counter>().empty());
     EXPECT_EQ(Framework(framework.GetBundleContext().GetBundle(0)), framework);
     EXPECT_THROW(Framework{Bundle()}, std::invalid_argument);
+}
+
+// As CppMicroServices: the type values, and an error for a framework that never ran.
+TEST(FrameworkLifecycle, WaitForStopOfAFrameworkNeverStartedReportsAnError)
+{
+    EXPECT_EQ(FrameworkEvent::FRAMEWORK_STARTED, 1u);
+    EXPECT_EQ(FrameworkEvent::FRAMEWORK_ERROR, 2u);
+    EXPECT_EQ(FrameworkEvent::FRAMEWORK_WARNING, 16u);
+    EXPECT_EQ(FrameworkEvent::FRAMEWORK_INFO, 32u);
+    EXPECT_EQ(FrameworkEvent::FRAMEWORK_STOPPED, 64u);
+    EXPECT_EQ(FrameworkEvent::FRAMEWORK_STOPPED_UPDATE, 128u);
+    EXPECT_EQ(FrameworkEvent::FRAMEWORK_STOPPED_BOOTCLASSPATH_MODIFIED, 256u);
+    EXPECT_EQ(FrameworkEvent::FRAMEWORK_WAIT_TIMEDOUT, 512u);
+
+    Framework framework = FrameworkFactory().NewFramework();
+    const FrameworkEvent never = framework.WaitForStop(std::chrono::milliseconds(0));
+    EXPECT_TRUE(never);
+    EXPECT_EQ(never.GetType(), FrameworkEvent::FRAMEWORK_ERROR);
+    EXPECT_EQ(never.GetBundle(), framework);
+    EXPECT_FALSE(FrameworkEvent());
+    EXPECT_EQ(FrameworkEvent().GetType(), FrameworkEvent::FRAMEWORK_ERROR);
+
+    framework.Start();
+    framework.Stop();
+    EXPECT_EQ(framework.WaitForStop(std::chrono::milliseconds(0)).GetType(), FrameworkEvent::FRAMEWORK_STOPPED);
 }
 
 TEST(FrameworkLifecycle, WaitForStopTimesOutWhileRunningAndWakesOnStop)

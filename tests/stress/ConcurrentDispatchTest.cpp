@@ -4,13 +4,17 @@
 #include "RunTogether.hpp"
 
 #include <builtin/builtinreg/MakeVariant.hpp>
+#include <builtin/types/InputKey.hpp>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <cstring>
+#include <latch>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -114,3 +118,39 @@ TEST(ConcurrentDispatch, ThreadsCallingOneBuiltinWithDifferentClassesGetTheSeria
 }
 
 } // namespace
+
+namespace {
+
+// The key of an array of these dimensions made in the ordinary way.
+std::uint32_t keyOfPlain(std::vector<std::size_t> dims) {
+    const matrix::ArrayPtr plain(matrix::detail::do_create_uninitnumeric(dims, oxDOUBLE_CLASS, oxREAL));
+    return Velloc::builtin::types::InputKey::of(plain.get()).bits();
+}
+
+} // namespace
+
+// One thread classifies an input whose dimensions are still opaque while another thread
+// completes them: classification reads the dimension fields only once it has seen the
+// opaque flag clear (the completion clears it after writing them), so whichever comes first
+// the key is the completed array's, and ThreadSanitizer sees no race.
+TEST(ConcurrentDispatch, ClassifyingAnArrayWhileAnotherThreadCompletesItsDimensions) {
+    for (const std::vector<std::size_t>& dims : {std::vector<std::size_t>{2, 3}, std::vector<std::size_t>{2, 3, 4}}) {
+        const std::uint32_t expected = keyOfPlain(dims);
+        for (int round = 0; round < 100; ++round) {
+            const matrix::ArrayPtr array(matrix::createWithOpaqueDimensions(dims, oxDOUBLE_CLASS, oxREAL));
+            std::latch start(2);
+            std::uint32_t seen = 0;
+            std::thread classifier([&] {
+                start.arrive_and_wait();
+                seen = Velloc::builtin::types::InputKey::of(array.get()).bits();
+            });
+            std::thread completer([&] {
+                start.arrive_and_wait();
+                matrix::completeDimensions(array.get());
+            });
+            classifier.join();
+            completer.join();
+            EXPECT_EQ(seen, expected) << "round " << round;
+        }
+    }
+}

@@ -65,18 +65,17 @@ public:
         return data;
     }
 
-    // False when data is not a live large block.
-    bool release(void* data) noexcept {
+    // data is huge-page aligned, so it can only be a large block (allocateData never starts
+    // a small one there): one that is not live was given back before, whether it now waits
+    // in the cache or went back to the system, or never came from here.
+    void release(void* data) noexcept {
         Block block{data, 0};
         {
             const std::lock_guard lock(mutex_);
             const auto found = live_.find(data);
             if (found == live_.end()) {
-                if (std::any_of(cached_.begin(), cached_.end(), [data](const Block& b) { return b.data == data; })) {
-                    foundation::core::diag::terminate("matrix: a data block was given back twice", __FILE__, __LINE__,
-                                                      __PRETTY_FUNCTION__);
-                }
-                return false;
+                foundation::core::diag::terminate("matrix: a data block was given back twice", __FILE__, __LINE__,
+                                                  __PRETTY_FUNCTION__);
             }
             block.capacity = found->second;
             live_.erase(found);
@@ -86,7 +85,6 @@ public:
             releaseToSystem(*oldest);
         }
         if (!cache(block)) releaseToSystem(block);
-        return true;
     }
 
     void setLimit(std::size_t bytes) {
@@ -168,25 +166,40 @@ LargeBlocks& largeBlocks() {
     return *blocks;
 }
 
+bool hugePageAligned(std::uintptr_t address) { return address % HUGE_PAGE_BYTES == 0; }
+
 } // namespace
 
 // Other blocks are aligned within a malloc'ed block a little larger, whose address is kept
 // just before the data. The allocator's own aligned allocation would split off the unused
 // head and tail as small free chunks, and every later free of a block of 64 KiB or more
-// would then stop to merge them (about 4% of a 1e4-element call).
+// would then stop to merge them (about 4% of a 1e4-element call). Their data never starts
+// on a huge page boundary, so that freeData tells a large block by its address alone, and
+// a large block given back twice is caught however long ago it left the cache.
 void* allocateData(std::size_t bytes, std::size_t alignment) {
     if (bytes >= LARGE_BLOCK_BYTES) return largeBlocks().allocate(bytes);
     void* block = std::malloc(bytes + alignment);
     if (block == nullptr) throw std::bad_alloc();
     // At least one pointer's room before the data: malloc aligns to more than a pointer.
-    const std::uintptr_t data = (reinterpret_cast<std::uintptr_t>(block) + alignment) & ~(alignment - 1);
+    std::uintptr_t data = (reinterpret_cast<std::uintptr_t>(block) + alignment) & ~(alignment - 1);
+    if (hugePageAligned(data)) [[unlikely]] {
+        // Rare: one more alignment's room, and the data one alignment further on.
+        std::free(block);
+        block = std::malloc(bytes + 2 * alignment);
+        if (block == nullptr) throw std::bad_alloc();
+        data = (reinterpret_cast<std::uintptr_t>(block) + alignment) & ~(alignment - 1);
+        if (hugePageAligned(data)) data += alignment;
+    }
     reinterpret_cast<void**>(data)[-1] = block;
     return reinterpret_cast<void*>(data);
 }
 
 void freeData(void* data) noexcept {
-    // Only a huge-page-aligned address can be a large block; the others skip the lock.
-    if (reinterpret_cast<std::uintptr_t>(data) % HUGE_PAGE_BYTES == 0 && largeBlocks().release(data)) return;
+    // Only a large block starts on a huge page boundary; the others skip the lock.
+    if (hugePageAligned(reinterpret_cast<std::uintptr_t>(data))) {
+        largeBlocks().release(data);
+        return;
+    }
     std::free(static_cast<void**>(data)[-1]);
 }
 

@@ -54,6 +54,7 @@ inline oxArray* newHeader() {
     auto* array = new (block) oxArray;
     array->ownerThread = threadSerial != 0 ? threadSerial : assignThreadSerial();
     array->callHolds.store(0, std::memory_order_relaxed);
+    array->droppedDuringCalls.store(0, std::memory_order_relaxed);
     return array;
 }
 

@@ -15,6 +15,18 @@ void setMark(oxArray* a, const char* function, std::uint32_t bits, bool set) {
 
 } // namespace
 
+namespace detail {
+
+void settleDroppedDuringCalls(oxArray& array) {
+    const std::uint32_t dropped = array.droppedDuringCalls.load(std::memory_order_relaxed);
+    array.droppedDuringCalls.store(0, std::memory_order_relaxed);
+    if (array.referenceCount.fetch_sub(dropped, std::memory_order_acq_rel) == dropped) {
+        freeArray(&array);
+    }
+}
+
+} // namespace detail
+
 oxArray* addReference(oxArray* a) {
     detail::holdReference(detail::checkedArray(a, "matrix::addReference"));
     return a;
@@ -24,6 +36,8 @@ void destroyArray(const oxArray* a) {
     if (a == nullptr) return;
     // The handle is never created const; the last reference frees it.
     auto* array = const_cast<oxArray*>(a);
+    // A call on this thread holds it: the reference leaves when the call's hold does.
+    if (detail::dropWaitsForCalls(*array)) return;
     // A count of 1 means no other holder exists that could add or drop a reference
     // concurrently, so the sole owner frees without a locked decrement.
     if (array->referenceCount.load(std::memory_order_acquire) == 1 ||

@@ -36,7 +36,8 @@ std::size_t getElementSize(oxClassID classId) { return detail::realElementSize(c
 
 std::uint32_t getReferenceCount(const oxArray* a) {
     const oxArray& array = detail::checkedArray(a, "matrix::getReferenceCount");
-    return array.referenceCount.load(std::memory_order_relaxed) + array.callHolds.load(std::memory_order_relaxed);
+    return array.referenceCount.load(std::memory_order_relaxed) + array.callHolds.load(std::memory_order_relaxed) -
+           array.droppedDuringCalls.load(std::memory_order_relaxed);
 }
 
 } // namespace matrix

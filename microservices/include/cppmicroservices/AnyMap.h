@@ -51,6 +51,9 @@ struct any_map_ciequal {
     }
 };
 
+// Throws std::logic_error("empty iterator"): the use of a default-constructed iterator.
+[[noreturn]] void throwEmptyAnyMapIterator();
+
 // Calls fn(alternative, index) with the active alternative of a variant and its index as
 // a compile-time constant, so that alternatives of the same type stay apart.
 template <typename Variant, typename Fn>
@@ -99,23 +102,28 @@ public:
         using Position = std::variant<MapIterator<ordered_any_map>, MapIterator<unordered_any_map>,
                                       MapIterator<unordered_any_cimap>>;
 
+        // An iterator into no map: dereferencing, incrementing or comparing it throws
+        // std::logic_error, as in CppMicroServices; it may be copied and assigned.
         BasicIterator() = default;
-        explicit BasicIterator(Position position) : position_(std::move(position)) {}
+        explicit BasicIterator(Position position) : position_(std::move(position)), valid_(true) {}
         template <bool OtherConst, typename = std::enable_if_t<IsConst && !OtherConst>>
         BasicIterator(const BasicIterator<OtherConst>& other)
             : position_(detail::visitWithIndex(other.position_, [](const auto& it, auto index) {
                   return Position(std::in_place_index<decltype(index)::value>, it);
-              }))
+              })),
+              valid_(other.valid_)
         {
         }
 
         reference operator*() const
         {
+            requireValid();
             return std::visit([](const auto& it) -> reference { return *it; }, position_);
         }
         pointer operator->() const { return &**this; }
         BasicIterator& operator++()
         {
+            requireValid();
             std::visit([](auto& it) { ++it; }, position_);
             return *this;
         }
@@ -125,13 +133,26 @@ public:
             ++*this;
             return before;
         }
-        bool operator==(const BasicIterator& other) const { return position_ == other.position_; }
+        bool operator==(const BasicIterator& other) const
+        {
+            requireValid();
+            other.requireValid();
+            return position_ == other.position_;
+        }
 
     private:
         template <bool>
         friend class BasicIterator;
 
+        void requireValid() const
+        {
+            if (!valid_) {
+                detail::throwEmptyAnyMapIterator();
+            }
+        }
+
         Position position_;
+        bool valid_ = false;
     };
 
     using iterator = BasicIterator<false>;

@@ -33,6 +33,7 @@ public:
 
     explicit operator bool() const;
     bool operator==(const Bundle& other) const;
+    // By bundle id within a framework; an invalid bundle sorts after every valid one.
     bool operator<(const Bundle& other) const;
 
     // Each of these throws std::invalid_argument on a default-constructed Bundle.

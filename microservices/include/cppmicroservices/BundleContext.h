@@ -14,6 +14,7 @@
 #include "cppmicroservices/ServiceRegistration.h"
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -97,9 +98,14 @@ public:
         return std::static_pointer_cast<S>(detail::serviceFor(d_, reference));
     }
 
+    // Access to the service object behind the reference. An invalid reference throws
+    // std::invalid_argument, an invalid context std::runtime_error.
     template <class S>
     ServiceObjects<S> GetServiceObjects(const ServiceReference<S>& reference) const
     {
+        if (!reference) {
+            throw std::invalid_argument("The service reference is invalid");
+        }
         requireValid();
         return ServiceObjects<S>(d_, reference);
     }

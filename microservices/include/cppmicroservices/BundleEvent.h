@@ -20,6 +20,7 @@ public:
 
     // An invalid event.
     BundleEvent() = default;
+    // Throws std::invalid_argument for an invalid bundle, as CppMicroServices.
     BundleEvent(Type type, const Bundle& bundle);
 
     explicit operator bool() const;
@@ -31,6 +32,8 @@ private:
     Bundle bundle_;
 };
 
+// As CppMicroServices: "STARTED", ..., "Unknown bundle event type (N)"; an event as
+// "STARTED #1 (name at location)", an invalid one as "NONE".
 std::ostream& operator<<(std::ostream& out, BundleEvent::Type type);
 std::ostream& operator<<(std::ostream& out, const BundleEvent& event);
 

@@ -27,11 +27,14 @@ public:
     void Init();
     // Init when needed, then ACTIVE.
     void Start();
-    // Stops every active bundle (the most recently installed first), unregisters every
-    // service and invalidates every context; bundles stay installed.
+    // Announces BUNDLE_STOPPING for the framework (the system bundle), then stops every
+    // active bundle (the most recently installed first), unregisters every service and
+    // invalidates every context; bundles stay installed.
     void Stop();
     // Blocks until the framework has stopped or the timeout passed (zero waits without
-    // limit); returns at once when it is not starting or active.
+    // limit): FRAMEWORK_STOPPED, or FRAMEWORK_WAIT_TIMEDOUT. Returns at once when it is not
+    // starting, active or stopping: FRAMEWORK_STOPPED once it has run, FRAMEWORK_ERROR when
+    // it was never started, as CppMicroServices.
     FrameworkEvent WaitForStop(const std::chrono::milliseconds& timeout);
 
 private:

@@ -25,6 +25,7 @@ public:
     ServiceEvent() = default;
     ServiceEvent(Type type, const ServiceReferenceBase& reference);
 
+    // False only for a default-constructed event.
     explicit operator bool() const;
     Type GetType() const;
     ServiceReferenceU GetServiceReference() const;
@@ -38,8 +39,12 @@ public:
 private:
     Type type_ = SERVICE_REGISTERED;
     ServiceReferenceU reference_;
+    bool valid_ = false;
 };
 
+// As CppMicroServices: "REGISTERED", ..., "unknown service event type (N)"; an event as
+// "REGISTERED 3 objectClass=[Interface])" (the parenthesis as CppMicroServices writes it),
+// an invalid one as "NONE".
 std::ostream& operator<<(std::ostream& out, ServiceEvent::Type type);
 std::ostream& operator<<(std::ostream& out, const ServiceEvent& event);
 

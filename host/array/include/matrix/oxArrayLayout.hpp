@@ -11,8 +11,13 @@
 // A call holds a reference on each host array it passes for as long as it runs. On the
 // thread that made the array that hold is counted in callHolds, which only that thread
 // writes, so it costs a load and a store instead of two locked read-modify-writes; on any
-// other thread it goes to the shared count. The caller's own reference outlives the call,
-// so a call's hold is never the last one.
+// other thread it goes to the shared count. Either way the hold keeps the array alive as
+// one more reference would: the callee may call back into the language, which may drop
+// the caller's own reference (reassigning the variable that held the input). A reference
+// dropped on the owner thread while calls there hold the array is counted in
+// droppedDuringCalls instead of leaving the shared count, so the shared count cannot reach
+// zero under the call, on any thread; the release of the last hold gives those references
+// back, and frees the array if they were the last. That costs the release one more load.
 #pragma once
 
 #include <matrix/oxArray.hpp>
@@ -62,6 +67,9 @@ struct oxArray {
     matrix::detail::ArrayExtras* extras; // null for plain numeric, logical and char arrays
     std::uint64_t ownerThread;           // serial number of the thread that made the array
     std::atomic<std::uint32_t> callHolds; // references held by calls on the owner thread
+    // References dropped on the owner thread while callHolds was not zero, still counted in
+    // referenceCount until the last hold's release; written only by the owner thread.
+    std::atomic<std::uint32_t> droppedDuringCalls;
     std::size_t inlineDimensions[matrix::detail::INLINE_DIMENSIONS];
     alignas(16) std::byte inlineData[matrix::detail::INLINE_DATA_BYTES];
 };
@@ -110,13 +118,31 @@ void freeArray(oxArray* array);
 // a caller that takes a reference around a call and gives it back after.
 inline void holdReference(oxArray& array) noexcept { array.referenceCount.fetch_add(1, std::memory_order_relaxed); }
 
+// Whether a reference dropped on this thread must wait for the release of the calls that
+// hold the array on it (calls of another thread hold through referenceCount). callHolds is
+// not zero only while the owner thread runs such a call, and only that thread writes it.
+inline bool dropWaitsForCalls(oxArray& array) noexcept {
+    if (array.callHolds.load(std::memory_order_relaxed) != 0 && array.ownerThread == threadSerial) [[unlikely]] {
+        array.droppedDuringCalls.store(array.droppedDuringCalls.load(std::memory_order_relaxed) + 1,
+                                       std::memory_order_relaxed);
+        return true;
+    }
+    return false;
+}
+
 // Gives back a reference taken with holdReference, freeing the array if it was the last
 // (another holder may have dropped its own meanwhile).
 inline void dropReference(oxArray& array) {
+    if (dropWaitsForCalls(array)) {
+        return;
+    }
     if (array.referenceCount.fetch_sub(1, std::memory_order_acq_rel) == 1) [[unlikely]] {
         freeArray(&array);
     }
 }
+
+// Gives back the references dropped under the calls whose last hold was just released.
+void settleDroppedDuringCalls(oxArray& array);
 
 // What a call does to every input it passes as a host array: the callee may keep it, so
 // it is no longer a temporary. Most inputs are not, and a read costs less than the locked
@@ -127,8 +153,9 @@ inline void clearTemporaryMark(oxArray& array) noexcept {
     }
 }
 
-// A reference held around a call on an array the caller keeps alive throughout; the
-// callee sees it in getReferenceCount. releaseAfterCall gives it back on the same thread.
+// A reference held around a call; the callee sees it in getReferenceCount. Until
+// releaseAfterCall gives it back on the same thread, the array is not freed, whoever drops
+// the other references meanwhile.
 inline void holdForCall(oxArray& array) noexcept {
     if (array.ownerThread == threadSerial) {
         array.callHolds.store(array.callHolds.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
@@ -139,7 +166,11 @@ inline void holdForCall(oxArray& array) noexcept {
 
 inline void releaseAfterCall(oxArray& array) {
     if (array.ownerThread == threadSerial) {
-        array.callHolds.store(array.callHolds.load(std::memory_order_relaxed) - 1, std::memory_order_relaxed);
+        const std::uint32_t holds = array.callHolds.load(std::memory_order_relaxed) - 1;
+        array.callHolds.store(holds, std::memory_order_relaxed);
+        if (holds == 0 && array.droppedDuringCalls.load(std::memory_order_relaxed) != 0) [[unlikely]] {
+            settleDroppedDuringCalls(array);
+        }
     } else {
         dropReference(array);
     }

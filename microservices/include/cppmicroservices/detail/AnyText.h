@@ -18,7 +18,8 @@ namespace cppmicroservices::detail {
 
 std::string textOfAny(const Any& value);
 std::string jsonOfAny(const Any& value);
-// The text as a JSON string: quoted, with quotes, backslashes and control characters escaped.
+// The text as a JSON string: quoted, with quotes and backslashes escaped, \b \f \n \r \t
+// for those control characters and \u00XX for the others.
 std::string jsonString(std::string_view text);
 
 template <typename T>
@@ -66,8 +67,9 @@ std::string textOf(const T& value)
 }
 
 // JSON: strings quoted, numbers as numbers (non-finite ones as null), booleans, sequences
-// as arrays, maps as objects with their keys' text as names; other values as the JSON
-// string of their text form.
+// as arrays ("[1,2]"), maps as objects with their keys' text as names, spaced as
+// CppMicroServices spaces them ("{"one" : 1, "two" : 2}"); other values as the JSON string
+// of their text form.
 template <typename T>
 std::string jsonOf(const T& value)
 {
@@ -82,7 +84,7 @@ std::string jsonOf(const T& value)
     } else if constexpr (MapLike<T>) {
         std::string text = "{";
         for (const auto& [key, mapped] : value) {
-            text.append(text.size() > 1 ? "," : "").append(jsonString(textOf(key))).append(":").append(jsonOf(mapped));
+            text.append(text.size() > 1 ? ", " : "").append(jsonString(textOf(key))).append(" : ").append(jsonOf(mapped));
         }
         return text + "}";
     } else if constexpr (SequenceLike<T> && !TextLike<T>) {

@@ -21,13 +21,16 @@ public:
     constexpr InputKey() noexcept = default;
 
     // Reads a few header fields for the common two-dimensional array; the rest goes
-    // through the general classification. Never throws and never allocates.
+    // through the general classification. Never throws and never allocates. The flags come
+    // first: while the dimensions are opaque, another thread may be completing them, and
+    // the dimension fields may be read only once the flag is seen clear (the completion
+    // clears it with release order after writing them).
     static InputKey of(const oxArray* array) noexcept {
         if (array == nullptr) {
             return {};
         }
         const std::uint32_t flags = array->flags.load(std::memory_order_acquire);
-        if (array->numberOfDimensions != 2 || (flags & matrix::detail::flag::OPAQUE_DIMENSIONS) != 0 ||
+        if ((flags & matrix::detail::flag::OPAQUE_DIMENSIONS) != 0 || array->numberOfDimensions != 2 ||
             array->classId < 0 || array->classId > matrix::MAX_CLASS_ID ||
             array->numberOfElements == std::numeric_limits<std::size_t>::max()) [[unlikely]] {
             return ofGeneral(array);
