@@ -17,15 +17,15 @@
 #include <boost/range/iterator_range.hpp>
 
 #include <cstddef>
+#include <memory>
 #include <string>
 
 namespace Velloc::builtin::builtinreg {
 
 // A class resolved for registration; empty (oxUNKNOWN_CLASS, no service) when it could not be.
-// The service is a borrowed handle (builtin/services/ServiceHandles.hpp): use it at once.
 struct LxeObjectRegistration {
     oxClassID classId = oxUNKNOWN_CLASS;
-    ILxeObjectRegister* service = nullptr;
+    std::shared_ptr<ILxeObjectRegister> service;
 };
 
 namespace detail {
