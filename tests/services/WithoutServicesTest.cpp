@@ -54,11 +54,21 @@ void fcn(int, oxArray**, int, oxArray**) {}
 
 // A string service published late; every call would be counted.
 struct LateStrings final : StringSupport {
-    oxClassID getStringClassId() const override { return ++calls, oxUNKNOWN_CLASS; }
-    std::u16string_view getStringValue(const oxArray*, const std::size_t*) const override { return ++calls, u""; }
-    oxArray* createStringArray(matrix::Dims, std::vector<std::u16string>) const override { return ++calls, nullptr; }
+    oxClassID getStringClassId() const override {
+        ++calls;
+        return oxUNKNOWN_CLASS;
+    }
+    std::u16string_view getStringValue(const oxArray*, const std::size_t*) const override {
+        ++calls;
+        return u"";
+    }
+    oxArray* createStringArray(matrix::Dims, std::vector<std::u16string>) const override {
+        ++calls;
+        return nullptr;
+    }
     oxArray* stringToOxArray(const Velloc::String::String*, const matrix::Dims*) const override {
-        return ++calls, nullptr;
+        ++calls;
+        return nullptr;
     }
     static inline int calls = 0;
 };
