@@ -1,5 +1,5 @@
 // The service handles hold what they found at their first use for the whole process
-// (Parts 1.2, 3.1, 3.3, 6.1, 7.1): a service withdrawn later goes on serving through the
+// (strings, class objects, engine-object registration): a service withdrawn later goes on serving through the
 // handle, one published later is not taken up, and stopping and starting the bundle that
 // made the service leaves the handle's service callable (the handle keeps the object, the
 // framework keeps the bundle's library loaded).

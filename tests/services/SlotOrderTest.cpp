@@ -1,11 +1,10 @@
-// The virtual slots of the three service interfaces, in the order the specification gives
-// (IOCOSRegWrapper Part 6.1, StringSupport Part 3.3, ILxeObjectRegister Part 6.3): a host
-// built to the specification calls the services through these slots, so their order is
-// part of the contract. Each case checks it twice: the slot the compiler gave each named
+// The virtual slots of the three service interfaces (IOCOSRegWrapper, StringSupport,
+// ILxeObjectRegister) in their fixed order: a host calls the services through these
+// slots, so their order is part of the contract. Each case checks it twice: the slot the compiler gave each named
 // operation, read from its pointer to member, and a call through the virtual table of a
 // recording implementation by slot index, which must land in the operation of that slot.
 //
-// Slots are counted as the Parts count them, after the destructor. In the Itanium C++ ABI
+// Slots are counted after the destructor. In the Itanium C++ ABI
 // (GCC and Clang on Linux) the destructor takes two entries of the table (the complete and
 // the deleting destructor), and every further virtual function one entry, in the order of
 // declaration.

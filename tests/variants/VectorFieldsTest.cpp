@@ -1,4 +1,4 @@
-// The type fields of a variant read and write as the vectors Part 2.1 gives them:
+// The type fields of a variant read and write as vectors:
 // inputArgTypes and outputArgTypes as std::vector<ArgType>, inputTypes and outputTypes as
 // std::vector<std::string>. Code written against those types compiles and behaves as it
 // does on vectors, while copies share their arrays until one of them is changed (copy on
@@ -28,7 +28,7 @@ using Velloc::builtin::types::ArgTypeDirection;
 using Texts = std::vector<std::string>;
 using Types = std::vector<ArgType>;
 
-// Functions written against the Part's field types.
+// Functions written against vector field types.
 std::size_t countTexts(const std::vector<std::string>& texts) { return texts.size(); }
 std::string joinTexts(const std::vector<std::string>& texts) {
     return std::accumulate(texts.begin(), texts.end(), std::string(),

@@ -5,7 +5,7 @@
 // the lists of their texts are reference-counted arrays, the texts and names are held
 // once per process, so a copy costs a few reference counts.
 //
-// The four type fields are the vectors of Part 2.1 to the code that uses them:
+// The four type fields are vectors to the code that uses them:
 // inputArgTypes and outputArgTypes read and write as std::vector<types::ArgType>,
 // inputTypes and outputTypes as std::vector<std::string> (their elements convert to,
 // compare and order with std::string). They compare with and convert to vectors, are

@@ -15,8 +15,8 @@
 
 namespace Velloc::builtin {
 
-// The virtual slots follow Part 6.1 of the specification, counted after the destructor:
-//   0 (unnamed in the Part)  registerPackageFunction
+// The virtual slots are fixed, since hosts call through them by slot; counted after the destructor:
+//   0 (unnamed)              registerPackageFunction
 //   1                        getClassIdByName
 //   2                        oxArrayToLxeObject(const oxArray*, bool)
 //   3                        lxeObjectToOxArray(intrusive_ptr<const LxeObject>&&, const char*)
@@ -24,7 +24,7 @@ namespace Velloc::builtin {
 //   7                        getLxeObjectType
 //   8 (further slot)         defineClass
 //   9, 10                    setOfhFinder, addMethod
-// A host built to the Part calls through these slots, so the order must not change: a new
+// A host calls through these slots, so the order must not change: a new
 // operation takes a reserved slot or goes after addMethod. tests/services/SlotOrderTest.cpp
 // holds the order.
 class IOCOSRegWrapper {
@@ -57,7 +57,7 @@ public:
     virtual oxArray* lxeObjectToOxArray(Velloc::lxe::LxeObject* object, const oxArray* like) const = 0;
 
 private:
-    // Slots 5 and 6: further slots of the Part that this project does not use. They do
+    // Slots 5 and 6: further slots that this project does not use. They do
     // nothing; an implementation need not override them.
     virtual void reservedSlot5();
     virtual void reservedSlot6();
