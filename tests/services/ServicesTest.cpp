@@ -73,10 +73,16 @@ TEST(BuiltinServices, StartOnceFromTheInstallLayout) {
     EXPECT_EQ(started, 1);
 }
 
-// The handles follow the services: while the bundle is stopped they are null and a package
-// function is skipped with a log line; once it starts again the new services are used.
-TEST(BuiltinServices, HandlesFollowTheBundleAsItStopsAndStartsAgain) {
-    ASSERT_NE(builtinreg::getOCOSRegWrapper(), nullptr);
+// The handles keep the services they found first: while the bundle is stopped (its
+// services withdrawn) they still serve, and once it starts again (publishing new ones)
+// they go on with the first.
+TEST(BuiltinServices, HandlesKeepTheirFirstServicesAsTheBundleStopsAndStartsAgain) {
+    const auto strings = builtinreg::getStringSupport();
+    const auto classObjects = builtinreg::getOCOSRegWrapper();
+    const auto lxeObjectRegister = builtinreg::getLxeObjectRegister();
+    ASSERT_NE(strings, nullptr);
+    ASSERT_NE(classObjects, nullptr);
+    ASSERT_NE(lxeObjectRegister, nullptr);
     const auto bundles = frameworkContext().GetBundles();
     const auto bundle = std::find_if(bundles.begin(), bundles.end(), [](const cppmicroservices::Bundle& b) {
         return b.GetSymbolicName() == "builtinservices";
@@ -85,19 +91,23 @@ TEST(BuiltinServices, HandlesFollowTheBundleAsItStopsAndStartsAgain) {
 
     auto builtinServices = *bundle;
     builtinServices.Stop();
-    EXPECT_EQ(builtinreg::getStringSupport(), nullptr);
-    EXPECT_EQ(builtinreg::getOCOSRegWrapper(), nullptr);
-    EXPECT_EQ(builtinreg::getLxeObjectRegister(), nullptr);
+    EXPECT_EQ(builtinreg::findService<IOCOSRegWrapper>(), nullptr);
+    EXPECT_EQ(builtinreg::getStringSupport(), strings);
+    EXPECT_EQ(builtinreg::getOCOSRegWrapper(), classObjects);
+    EXPECT_EQ(builtinreg::getLxeObjectRegister(), lxeObjectRegister);
     {
         const foundation::log::ScopedCapture log("builtinservice::registerpkgfcn");
-        EXPECT_FALSE(builtinreg::registerPackageFunctionHelper({"svc_test", "gone"}, "fcn", &fcnA));
-        EXPECT_EQ(log.records().size(), 1u);
+        EXPECT_TRUE(builtinreg::registerPackageFunctionHelper({"svc_test", "stopped"}, "fcn", &fcnA));
+        EXPECT_TRUE(log.records().empty());
     }
-    EXPECT_EQ(ocos::findPackageFunction("svc_test.gone.fcn"), nullptr);
+    EXPECT_EQ(ocos::findPackageFunction("svc_test.stopped.fcn"), &fcnA);
 
     builtinServices.Start();
-    ASSERT_NE(builtinreg::getStringSupport(), nullptr);
-    ASSERT_NE(builtinreg::getLxeObjectRegister(), nullptr);
+    ASSERT_NE(builtinreg::findService<IOCOSRegWrapper>(), nullptr);
+    EXPECT_NE(builtinreg::findService<IOCOSRegWrapper>(), classObjects);
+    EXPECT_EQ(builtinreg::getStringSupport(), strings);
+    EXPECT_EQ(builtinreg::getOCOSRegWrapper(), classObjects);
+    EXPECT_EQ(builtinreg::getLxeObjectRegister(), lxeObjectRegister);
     EXPECT_TRUE(builtinreg::registerPackageFunctionHelper({"svc_test", "back"}, "fcn", &fcnA));
     EXPECT_EQ(ocos::findPackageFunction("svc_test.back.fcn"), &fcnA);
 }
@@ -173,9 +183,39 @@ TEST(CallUpstreamModules, VisitsPublishedModulesInTheOrderNamed) {
 
     const std::function<void(ILxeObjectModuleMgr*)> empty;
     EXPECT_NO_THROW(builtinreg::callUpstreamModules({"svc_test_missing"}, empty));
+    EXPECT_NO_THROW(builtinreg::callUpstreamModules({""}, empty));
     EXPECT_THROW(builtinreg::callUpstreamModules({"svc_test_A"}, empty), std::bad_function_call);
     a.Unregister();
     b.Unregister();
+}
+
+// No module publishes the empty name or an unknown one: both are skipped, and the known
+// names beside them are visited in order. Names with filter syntax in them are only names.
+TEST(CallUpstreamModules, SkipsTheEmptyNameAndUnknownNames) {
+    auto context = frameworkContext();
+    auto known = context.RegisterService<ILxeObjectModuleMgr>(std::make_shared<NamedModule>("svc_test_known"),
+                                                              {{builtinreg::CPP_MANGLED_TYPE_NAME,
+                                                                std::string("svc_test_known")}});
+    std::vector<std::string> visited;
+    const auto visit = [&](ILxeObjectModuleMgr* module) {
+        const auto* named = dynamic_cast<NamedModule*>(module);
+        visited.push_back(named != nullptr ? named->name : "another module");
+    };
+    EXPECT_NO_THROW(builtinreg::callUpstreamModules({""}, visit));
+    EXPECT_NO_THROW(builtinreg::callUpstreamModules({"svc_test_unknown"}, visit));
+    EXPECT_TRUE(visited.empty());
+    EXPECT_NO_THROW(builtinreg::callUpstreamModules(
+        {"", "svc_test_known", "svc_test_unknown", "(svc_test*)", "", "svc_test_known"}, visit));
+    EXPECT_EQ(visited, (std::vector<std::string>{"svc_test_known", "svc_test_known"}));
+
+    // The empty name is compared like any other: a module published under it is found.
+    auto unnamed = context.RegisterService<ILxeObjectModuleMgr>(std::make_shared<NamedModule>("svc_test_unnamed"),
+                                                                {{builtinreg::CPP_MANGLED_TYPE_NAME, std::string()}});
+    visited.clear();
+    builtinreg::callUpstreamModules({"svc_test_known", ""}, visit);
+    EXPECT_EQ(visited, (std::vector<std::string>{"svc_test_known", "svc_test_unnamed"}));
+    unnamed.Unregister();
+    known.Unregister();
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <builtin/types/OrvexStringType.hpp>
 #include <builtin/types/OxArrayTypes.hpp>
 
+#include <foundation/cppmicroservices/framework.hpp>
 #include <foundation/log/Channel.hpp>
 #include <ocos/PackageFunctions.hpp>
 #include <strings/StringArray.hpp>
@@ -18,6 +19,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -50,6 +52,27 @@ private:
 
 void fcn(int, oxArray**, int, oxArray**) {}
 
+// A string service published late; every call would be counted.
+struct LateStrings final : StringSupport {
+    oxClassID getStringClassId() const override {
+        ++calls;
+        return oxUNKNOWN_CLASS;
+    }
+    std::u16string_view getStringValue(const oxArray*, const std::size_t*) const override {
+        ++calls;
+        return u"";
+    }
+    oxArray* createStringArray(matrix::Dims, std::vector<std::u16string>) const override {
+        ++calls;
+        return nullptr;
+    }
+    oxArray* stringToOxArray(const Velloc::String::String*, const matrix::Dims*) const override {
+        ++calls;
+        return nullptr;
+    }
+    static inline int calls = 0;
+};
+
 TEST(WithoutServices, HandlesAreNullAndTheFailedStartIsLogged) {
     EXPECT_EQ(builtinreg::getStringSupport(), nullptr);
     EXPECT_EQ(builtinreg::getOCOSRegWrapper(), nullptr);
@@ -61,6 +84,23 @@ TEST(WithoutServices, HandlesAreNullAndTheFailedStartIsLogged) {
     EXPECT_EQ(engineObject.getLxeSupportLevel(types::ArgTypeDirection::OUTPUT), types::LxeSupportLevel::NO_SUPPORT);
     ASSERT_EQ(EmptyInstallRoot::startRecords.size(), 1u);
     EXPECT_NE(EmptyInstallRoot::startRecords[0].text.find("Unable to start the builtin services at "), std::string::npos);
+}
+
+// Services published after the first use are not taken up: a handle that found nothing
+// stays null for the whole process.
+TEST(WithoutServices, NoServiceAtFirstUseStaysNoService) {
+    EXPECT_EQ(builtinreg::getStringSupport(), nullptr);
+    EXPECT_EQ(builtinreg::getOCOSRegWrapper(), nullptr);
+    auto context = foundation::cppmicroservices::getFramework()->GetBundleContext();
+    auto registration = context.RegisterService<StringSupport>(std::make_shared<LateStrings>());
+    ASSERT_NE(builtinreg::findService<StringSupport>(), nullptr);
+
+    EXPECT_EQ(builtinreg::getStringSupport(), nullptr);
+    const Owned abc(TypeTraitsImpl<std::u16string>{}(std::u16string(u"abc")));
+    EXPECT_EQ(matrix::getClassID(abc.get()), oxCHAR_CLASS) << "text still travels as a char row vector";
+    EXPECT_EQ(LateStrings::calls, 0);
+    registration.Unregister();
+    EXPECT_EQ(builtinreg::getStringSupport(), nullptr);
 }
 
 TEST(WithoutServices, PackageFunctionsAreLoggedAndSkipped) {
@@ -78,6 +118,7 @@ TEST(WithoutServices, UpstreamModulesAreSkippedSilently) {
                                     [&](builtinreg::ILxeObjectModuleMgr*) { ++visits; });
     EXPECT_EQ(visits, 0);
     EXPECT_NO_THROW(builtinreg::callUpstreamModules({"anything"}, {}));
+    EXPECT_NO_THROW(builtinreg::callUpstreamModules({"", "anything", ""}, {}));
 }
 
 TEST(WithoutServices, TextTravelsAsCharRowVectors) {

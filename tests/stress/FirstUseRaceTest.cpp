@@ -71,9 +71,9 @@ Seen firstUses(int t) {
     Seen seen;
     seen.invokeChannel = &foundation::log::channel("builtin2::invoke");
     seen.ownChannel = &foundation::log::channel("stress::firstUse");
-    seen.stringSupport = builtinreg::getStringSupport();
-    seen.classObjects = builtinreg::getOCOSRegWrapper();
-    seen.lxeObjectRegister = builtinreg::getLxeObjectRegister();
+    seen.stringSupport = builtinreg::getStringSupport().get();
+    seen.classObjects = builtinreg::getOCOSRegWrapper().get();
+    seen.lxeObjectRegister = builtinreg::getLxeObjectRegister().get();
     seen.framework = foundation::cppmicroservices::getFramework().get();
     seen.scalarDims = builtinreg::detail::getScalarDims();
     seen.stringClass = types::OrvexStringType::getOcosClassId();

@@ -2,7 +2,8 @@
 // library's bundle over and over. Each call either finds the builtin among the libraries
 // tracked when it looked and runs it to the right answer (the snapshot keeps the library
 // alive until the call returns), or finds no such builtin; nothing else may happen. The
-// same holds for the host's own service handles while the builtin-services bundle cycles.
+// host's own service handles, meanwhile, keep serving the services they found first while
+// the builtin-services bundle cycles.
 #include "Libraries.hpp"
 
 #include <builtin/services/ServiceHandles.hpp>
@@ -15,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -74,10 +76,17 @@ TEST(LibrariesComeAndGo, CallsFinishOrFindNothingWhileTheBundleStopsAndStarts) {
     EXPECT_NE(orvex::findBuiltin(snapshot->builtins, "plus"), nullptr);
 }
 
-// A borrowed handle stays usable for the call at hand even when its service goes meanwhile;
-// each fetch either finds the service published now or finds none.
-TEST(LibrariesComeAndGo, HostServiceHandlesServeOrAreNullWhileTheirBundleStopsAndStarts) {
-    ASSERT_NE(Velloc::builtin::builtinreg::getStringSupport(), nullptr);
+// The host's service handles hold the services found at their first use for the whole
+// process: while the builtin-services bundle stops and starts over and over (withdrawing
+// its services and publishing new ones), every fetch gives the first service, and calls
+// through it run to the right answer. The handle keeps the withdrawn object alive and the
+// bundle's library stays loaded, so its code is still there to run.
+TEST(LibrariesComeAndGo, HostServiceHandlesKeepTheirFirstServiceWhileTheirBundleStopsAndStarts) {
+    using namespace Velloc::builtin::builtinreg;
+    const auto* firstStrings = getStringSupport().get();
+    const auto* firstClassObjects = getOCOSRegWrapper().get();
+    ASSERT_NE(firstStrings, nullptr);
+    ASSERT_NE(firstClassObjects, nullptr);
     cppmicroservices::Bundle bundle = bundleNamed("builtinservices");
     ASSERT_TRUE(bundle);
 
@@ -88,12 +97,15 @@ TEST(LibrariesComeAndGo, HostServiceHandlesServeOrAreNullWhileTheirBundleStopsAn
         callers.emplace_back([&] {
             const Velloc::String::String text(u"t\u00e9xt");
             while (cycling.load()) {
-                const auto* strings = Velloc::builtin::builtinreg::getStringSupport();
-                if (strings == nullptr) {
-                    continue;
-                }
+                const auto& strings = getStringSupport();
+                const auto& classObjects = getOCOSRegWrapper();
+                ASSERT_EQ(strings.get(), firstStrings);
+                ASSERT_EQ(classObjects.get(), firstClassObjects);
                 const matrix::ArrayPtr array(strings->stringToOxArray(&text, nullptr));
                 EXPECT_EQ(Velloc::String::getStringElement(array.get(), 0), text);
+                EXPECT_EQ(strings->getStringValue(array.get(), nullptr), std::u16string_view(u"t\u00e9xt"));
+                EXPECT_EQ(classObjects->getClassID(array.get()), strings->getStringClassId());
+                EXPECT_EQ(classObjects->getClassIdByName("string"), strings->getStringClassId());
                 served.fetch_add(1);
             }
         });
@@ -106,7 +118,8 @@ TEST(LibrariesComeAndGo, HostServiceHandlesServeOrAreNullWhileTheirBundleStopsAn
     callers.clear();
 
     EXPECT_GT(served.load(), 0);
-    EXPECT_NE(Velloc::builtin::builtinreg::getStringSupport(), nullptr);
+    EXPECT_EQ(getStringSupport().get(), firstStrings);
+    EXPECT_EQ(getOCOSRegWrapper().get(), firstClassObjects);
 }
 
 } // namespace

@@ -1,9 +1,17 @@
 // One typed implementation of a builtin: the developer function, the argument types it
 // takes and returns, its behaviour promises, how far the execution engine may call it
 // directly, and the names used in diagnostics. Variants are plain values: lists copy,
-// sort and compare them. What never changes after construction is shared between
-// copies: the type lists and the lists of their texts are reference-counted, the texts
-// and names are held once per process, so a copy costs a few reference counts.
+// sort and compare them. What copies repeat is shared between them: the type lists and
+// the lists of their texts are reference-counted arrays, the texts and names are held
+// once per process, so a copy costs a few reference counts.
+//
+// The four type fields are vectors to the code that uses them:
+// inputArgTypes and outputArgTypes read and write as std::vector<types::ArgType>,
+// inputTypes and outputTypes as std::vector<std::string> (their elements convert to,
+// compare and order with std::string). They compare with and convert to vectors, are
+// assigned from them and take the vector's modifiers, copy on write: a variant changing
+// a field first gets an array of its own, so the change never shows in its copies.
+// Elements are read-only in place (builtin/SharedArray.hpp).
 #pragma once
 
 #include <builtin/SharedArray.hpp>

@@ -1,9 +1,11 @@
 // A text held once per process: the names of variants and the text forms of their types,
 // repeated in every variant made from one declaration and in every list that holds it.
 // A handle is one pointer; copying it touches no count, and equal texts share one entry.
-// Reads like a const std::string.
+// Reads like a const std::string: it converts to one (and to a view), compares and orders
+// with strings, and has the string's read-only basics.
 #pragma once
 
+#include <compare>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -24,10 +26,17 @@ public:
 
     bool empty() const noexcept { return text_->empty(); }
     std::size_t size() const noexcept { return text_->size(); }
+    std::size_t length() const noexcept { return text_->length(); }
     const char* c_str() const noexcept { return text_->c_str(); }
+    const char* data() const noexcept { return text_->data(); }
+    std::string::const_iterator begin() const noexcept { return text_->begin(); }
+    std::string::const_iterator end() const noexcept { return text_->end(); }
 
-    // Also compares two handles, through the view of the right one.
+    // Also compare two handles, through the view of the right one.
     friend bool operator==(InternedText a, std::string_view b) noexcept { return *a.text_ == b; }
+    friend std::strong_ordering operator<=>(InternedText a, std::string_view b) noexcept {
+        return std::string_view(*a.text_) <=> b;
+    }
 
     friend std::string operator+(InternedText left, std::string_view right) {
         return std::string(*left.text_).append(right);

@@ -15,6 +15,9 @@ StringSupport::~StringSupport() = default;
 IOCOSRegWrapper::~IOCOSRegWrapper() = default;
 ILxeObjectRegister::~ILxeObjectRegister() = default;
 
+void IOCOSRegWrapper::reservedSlot5() {}
+void IOCOSRegWrapper::reservedSlot6() {}
+
 oxClassID IOCOSRegWrapper::getClassID(const oxArray* array) const { return matrix::getClassID(array); }
 
 namespace builtinreg {

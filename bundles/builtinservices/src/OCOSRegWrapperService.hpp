@@ -13,13 +13,13 @@ public:
     bool registerPackageFunction(const std::vector<std::string>& packageParts, const std::string& functionName,
                                  Ofh_ORVEX_fn* function) override;
     oxClassID getClassIdByName(const std::string& name) const override;
-    oxArray* lxeObjectToOxArray(Velloc::lxe::LxeObject* object, const oxArray* like) const override;
     Velloc::lxe::LxeObject* oxArrayToLxeObject(const oxArray* array, bool strict) const override;
     oxArray* lxeObjectToOxArray(boost::intrusive_ptr<const Velloc::lxe::LxeObject>&& object,
                                 const char* className) const override;
-    ocos::COSClass* defineClass(const std::string& name) override;
+    oxArray* lxeObjectToOxArray(Velloc::lxe::LxeObject* object, const oxArray* like) const override;
     std::shared_ptr<const Velloc::lxe::LxeObjectType> getLxeObjectType(oxClassID classId,
                                                                        std::size_t variantId) const override;
+    ocos::COSClass* defineClass(const std::string& name) override;
     void setOfhFinder(std::string className, ocos::OfhFinder finder) override;
     void addMethod(ocos::COSClass* cls, const std::string& name, const std::string& implementation,
                    const ocos::MemberAccess& access, bool isStatic, bool isHidden, bool isSealed) override;

@@ -17,6 +17,7 @@
 #include <boost/range/iterator_range.hpp>
 
 #include <cstddef>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <typeinfo>
@@ -24,10 +25,9 @@
 namespace Velloc::builtin::builtinreg {
 
 // A class resolved for registration; empty (oxUNKNOWN_CLASS, no service) when it could not be.
-// The service is a borrowed handle (builtin/services/ServiceHandles.hpp): use it at once.
 struct LxeObjectRegistration {
     oxClassID classId = oxUNKNOWN_CLASS;
-    ILxeObjectRegister* service = nullptr;
+    std::shared_ptr<ILxeObjectRegister> service;
 };
 
 // A registration on behalf of a C++ class that conflicts with an earlier one of the same

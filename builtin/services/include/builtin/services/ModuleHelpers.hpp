@@ -23,8 +23,9 @@ void forcelink(const volatile void* symbol);
 std::filesystem::path getBuiltinLibraryPath(const char16_t* relative);
 
 // For each type name in order, visits the module manager published with that
-// cppMangledTypeName; names no module publishes are skipped. An empty visit throws
-// std::bad_function_call when a module is found.
+// cppMangledTypeName; names no module publishes, the empty name among them, are skipped.
+// Only two things throw: an empty visit, std::bad_function_call when a module is found,
+// and a framework context no longer valid, std::runtime_error.
 void callUpstreamModules(std::initializer_list<std::string> typeNames,
                          const std::function<void(ILxeObjectModuleMgr*)>& visit);
 

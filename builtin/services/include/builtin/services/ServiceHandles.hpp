@@ -1,20 +1,24 @@
-// The host's services as the framework uses them. Each handle follows its service from the
-// first use on: a service registered later (its bundle started late or again) is found, and
-// one that goes is missing from then on. A null handle means the service is missing now.
+// The host's services as the framework uses them. Each handle is looked up once per
+// process, on first use, under a one-time initialisation, into a function-local static
+// kept until the process exits: the service found then serves the whole process, whatever
+// the module framework publishes or withdraws later, and a service missing at first use
+// stays missing (a null handle, which every caller copes with).
 //
-// The handles are borrowed: fetching one takes no lock and no reference. A handle stays
-// valid until the same thread fetches that service again, or ends, even if the service goes
-// meanwhile; so use it for the call at hand and fetch it anew next time.
+// Holding a withdrawn service is safe: the handle keeps the service object alive, and the
+// module framework never unloads a bundle's library, so the object's code stays mapped
+// after its bundle stops, starts again, or publishes another instance.
 #pragma once
 
 #include <builtin/services/ILxeObjectRegister.hpp>
 #include <builtin/services/IOCOSRegWrapper.hpp>
 #include <builtin/services/StringSupport.hpp>
 
+#include <memory>
+
 namespace Velloc::builtin::builtinreg {
 
-StringSupport* getStringSupport();
-IOCOSRegWrapper* getOCOSRegWrapper();
-ILxeObjectRegister* getLxeObjectRegister();
+const std::shared_ptr<StringSupport>& getStringSupport();
+const std::shared_ptr<IOCOSRegWrapper>& getOCOSRegWrapper();
+const std::shared_ptr<ILxeObjectRegister>& getLxeObjectRegister();
 
 } // namespace Velloc::builtin::builtinreg
