@@ -2,9 +2,9 @@
 # A short session with the orvex tool over the sample library: its usage, calls, a
 # warning, an error, a boxed scalar function, a builtin that calls the language, calls
 # made the way compiled code makes them, no-match reports, an explanation, lint, a builtin
-# that is not safe for several language instances, and a script with operators, ranges,
-# indexing, an engine object and statistics, and a library unloaded and loaded again
-# during a session.
+# that is not safe for several language instances, a script with operators, ranges,
+# indexing, an engine object and statistics, one with comparisons, transposes, reductions
+# and the workspace, and a library unloaded and loaded again during a session.
 # Usage: demo-session.sh PATH_TO_ORVEX
 orvex=$1
 
@@ -72,6 +72,25 @@ t = total(Buffer([1 2 3]))
 b.missing()'
 printf '\n$ orvex --stats <<EOF\n%s\nEOF\n' "$statements"
 "$orvex" --stats <<<"$statements" || printf '(exit code %d)\n' "$?"
+
+# What a newcomer to the session types without thinking: comparisons and logical indexing,
+# logic, transposes, several statements a line, reductions with their options (the sample
+# library's eq ... ctranspose and sum ... min), and the variables listed and cleared.
+statements="v = [1 5 3 8]; m = [1 2; 3 4]
+v(v > 2 & v < 8)
+s = 'abc' == 'abd', t = ~s
+m', z = [1+2i 3-4i]'
+sum(m), sum(m, 2), sum(m, 'all')
+mean([1 NaN 3], 'omitnan'), max(m, [], 'all'), any(v > 7)
+sum(int8([100 100 -100])), sum([]), max([])
+x = 3; y = 4
+x == 3 && y > 5
+whos
+clear x y
+who
+help sum"
+printf '\n$ orvex <<EOF\n%s\nEOF\n' "$statements"
+"$orvex" <<<"$statements" || printf '(exit code %d)\n' "$?"
 
 # A defining library that goes and comes back while the session runs: once unloaded, its
 # builtins answer again once it is loaded from its bundle directory, and are unrecognized

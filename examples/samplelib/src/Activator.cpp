@@ -21,7 +21,11 @@ public:
                 &upperBuiltin(),    &strjoinBuiltin(),  &sizeBuiltin(),        &classBuiltin(),
                 &describeBuiltin(), &reciprocalBuiltin(), &checkedSqrtBuiltin(), &nchoosekBuiltin(),
                 &twiceBuiltin(),    &counterBuiltin(),  &uminusBuiltin(),      &uplusBuiltin(),
-                &colonBuiltin()};
+                &colonBuiltin(),    &eqBuiltin(),       &neBuiltin(),          &ltBuiltin(),
+                &leBuiltin(),       &gtBuiltin(),       &geBuiltin(),          &andBuiltin(),
+                &orBuiltin(),       &notBuiltin(),      &transposeBuiltin(),   &ctransposeBuiltin(),
+                &sumBuiltin(),      &prodBuiltin(),     &meanBuiltin(),        &anyBuiltin(),
+                &allBuiltin(),      &maxBuiltin(),      &minBuiltin()};
     }
 };
 

@@ -2,6 +2,7 @@
 // class, written once as templates over the element type. Integer classes saturate at
 // their limits and round to the nearest integer, half away from zero; sqrt warns on a
 // negative real input and gives NaN.
+#include "ElementTypes.hpp"
 #include "NoMatchReport.hpp"
 #include "SampleBuiltins.hpp"
 
@@ -12,20 +13,12 @@
 #include <cstdint>
 #include <limits>
 #include <type_traits>
-#include <vector>
 
 namespace samplelib {
 
 namespace {
 
 using namespace Velloc::builtin::builtinreg;
-using Velloc::builtin::BuiltinVariant;
-
-template <class... T>
-struct Types {};
-
-using ArithmeticTypes = Types<double, float, std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t,
-                              std::uint32_t, std::int64_t, std::uint64_t, std::complex<double>, std::complex<float>>;
 
 // An exact or nearly exact result, as the integer class holds it. long double keeps
 // every 64-bit integer exactly, so sums and differences saturate correctly.
@@ -110,21 +103,7 @@ T hypotOf(T a, T b) {
     return std::hypot(a, b);
 }
 
-// The element-wise variants that make(type) gives for each type of the list.
-template <class... T, class Make>
-std::vector<BuiltinVariant> variantsFor(Types<T...>, Make make) {
-    std::vector<BuiltinVariant> all;
-    const auto append = [&](std::vector<BuiltinVariant> variants) {
-        all.insert(all.end(), variants.begin(), variants.end());
-    };
-    (append(make(static_cast<T*>(nullptr))), ...);
-    return all;
-}
-
 constexpr VariantOptions ELEMENT_WISE{.isElementWise = true};
-
-template <class T>
-using Of = std::remove_pointer_t<T>;
 
 const BuiltinVariantLists& minusLists() {
     static const BuiltinVariantLists lists(variantsFor(

@@ -28,6 +28,24 @@ const BuiltinFcn& uplusBuiltin();
 const BuiltinFcn& colonBuiltin();
 const BuiltinFcn& sqrtBuiltin();
 const BuiltinFcn& hypotBuiltin();
+const BuiltinFcn& eqBuiltin();
+const BuiltinFcn& neBuiltin();
+const BuiltinFcn& ltBuiltin();
+const BuiltinFcn& leBuiltin();
+const BuiltinFcn& gtBuiltin();
+const BuiltinFcn& geBuiltin();
+const BuiltinFcn& andBuiltin();
+const BuiltinFcn& orBuiltin();
+const BuiltinFcn& notBuiltin();
+const BuiltinFcn& transposeBuiltin();
+const BuiltinFcn& ctransposeBuiltin();
+const BuiltinFcn& sumBuiltin();
+const BuiltinFcn& prodBuiltin();
+const BuiltinFcn& meanBuiltin();
+const BuiltinFcn& anyBuiltin();
+const BuiltinFcn& allBuiltin();
+const BuiltinFcn& maxBuiltin();
+const BuiltinFcn& minBuiltin();
 
 inline constexpr const char* LIBRARY = "samplelib";
 

@@ -38,30 +38,54 @@ public:
                 tokens.push_back({Type::END, text_.substr(pos_), pos_});
                 return tokens;
             }
-            tokens.push_back(next());
+            tokens.push_back(next(tokens.empty() ? nullptr : &tokens.back()));
         }
     }
 
 private:
     char at(std::size_t i) const { return i < text_.size() ? text_[i] : '\0'; }
 
-    Token next() {
+    // previous is the token before, if any: a quote after a value transposes it.
+    Token next(const Token* previous) {
         const std::size_t start = pos_;
         const char c = text_[pos_];
         if (isDigit(c) || (c == '.' && isDigit(at(pos_ + 1)))) return number(start);
         if (isLetter(c)) return word(start);
+        if (c == '\'' && previous != nullptr && endsAValue(*previous)) return symbol(start, 1);
         if (c == '\'' || c == '"') return quoted(start, c);
         if (c == '[') return matrix(start);
-        if (c == '.' && (at(pos_ + 1) == '*' || at(pos_ + 1) == '/' || at(pos_ + 1) == '^')) {
-            pos_ += 2;
-            return {Type::SYMBOL, text_.substr(start, 2), start};
+        if (c == '.' && (at(pos_ + 1) == '*' || at(pos_ + 1) == '/' || at(pos_ + 1) == '^' || at(pos_ + 1) == '\'')) {
+            return symbol(start, 2);
         }
-        static constexpr std::string_view SYMBOLS = "+-*/^:(),";
+        if (isTwoCharacterSymbol(text_.substr(start, 2))) return symbol(start, 2);
+        static constexpr std::string_view SYMBOLS = "+-*/^:(),<>&|~";
         if (SYMBOLS.find(c) == std::string_view::npos) {
             throw StatementError(column_ + start, "unexpected character '" + std::string(1, c) + "'");
         }
-        ++pos_;
-        return {Type::SYMBOL, text_.substr(start, 1), start};
+        return symbol(start, 1);
+    }
+
+    Token symbol(std::size_t start, std::size_t length) {
+        pos_ += length;
+        return {Type::SYMBOL, text_.substr(start, length), start};
+    }
+
+    static bool isTwoCharacterSymbol(std::string_view text) {
+        return text == "==" || text == "~=" || text == "<=" || text == ">=" || text == "&&" || text == "||";
+    }
+
+    // A number, a name, a literal, a closing parenthesis or a transpose: what a quote
+    // after it transposes.
+    static bool endsAValue(const Token& token) {
+        switch (token.type) {
+        case Type::REAL_NUMBER:
+        case Type::IMAGINARY:
+        case Type::LITERAL:
+        case Type::WORD: return true;
+        case Type::SYMBOL: return token.text == ")" || token.text == "'" || token.text == ".'";
+        case Type::END: break;
+        }
+        return false;
     }
 
     void skipDigits() {
@@ -137,18 +161,45 @@ private:
     std::size_t pos_ = 0;
 };
 
-// Binding strength of the binary operators; unary signs bind at SIGN_PRECEDENCE.
-constexpr int ADDITIVE = 1;
-constexpr int MULTIPLICATIVE = 2;
-constexpr int SIGN_PRECEDENCE = 3;
-constexpr int POWER = 4;
+// Binding strength of the operators, loosest first. The logical operators and the
+// comparisons take ranges as operands (Parser::logical); ranges take sums (Parser::range);
+// the arithmetic operators, signs and not bind tighter (Parser::binary), and transposes
+// bind as powers do.
+constexpr int OR_OR = 1;
+constexpr int AND_AND = 2;
+constexpr int ELEMENT_OR = 3;
+constexpr int ELEMENT_AND = 4;
+constexpr int COMPARISON = 5;
+constexpr int ADDITIVE = 6;
+constexpr int MULTIPLICATIVE = 7;
+constexpr int SIGN_PRECEDENCE = 8;
+constexpr int POWER = 9;
 
+bool isSymbolToken(const Token& token, std::string_view symbol) {
+    return token.type == Type::SYMBOL && token.text == symbol;
+}
+
+bool isTranspose(const Token& token) { return isSymbolToken(token, "'") || isSymbolToken(token, ".'"); }
+
+// The arithmetic operators and the transposes; 0 for any other token.
 int precedenceOf(const Token& token) {
     if (token.type != Type::SYMBOL) return 0;
     const std::string_view op = token.text;
     if (op == "+" || op == "-") return ADDITIVE;
     if (op == "*" || op == "/" || op == ".*" || op == "./") return MULTIPLICATIVE;
-    if (op == "^" || op == ".^") return POWER;
+    if (op == "^" || op == ".^" || isTranspose(token)) return POWER;
+    return 0;
+}
+
+// The logical operators and the comparisons; 0 for any other token.
+int logicalPrecedenceOf(const Token& token) {
+    if (token.type != Type::SYMBOL) return 0;
+    const std::string_view op = token.text;
+    if (op == "||") return OR_OR;
+    if (op == "&&") return AND_AND;
+    if (op == "|") return ELEMENT_OR;
+    if (op == "&") return ELEMENT_AND;
+    if (op == "==" || op == "~=" || op == "<" || op == "<=" || op == ">" || op == ">=") return COMPARISON;
     return 0;
 }
 
@@ -161,9 +212,9 @@ public:
         : text_(text), column_(column), tokens_(Lexer(text, column).tokens()) {}
 
     Expression parse() {
-        Expression expression = range();
+        Expression parsed = expression();
         if (peek().type != Type::END) unexpected();
-        return expression;
+        return parsed;
     }
 
 private:
@@ -206,6 +257,27 @@ private:
         Parser& parser_;
     };
 
+    // A whole expression: the loosest level.
+    Expression expression() { return logical(OR_OR); }
+
+    // Logical operators and comparisons at least as strong as minimum, left to right, over
+    // ranges; each makes the tree one level deeper.
+    Expression logical(int minimum) {
+        const std::size_t start = peek().position;
+        Expression left = range();
+        int chained = 0;
+        for (int precedence = logicalPrecedenceOf(peek()); precedence >= minimum;
+             precedence = logicalPrecedenceOf(peek())) {
+            deepen();
+            ++chained;
+            const Token op = take();
+            Expression right = logical(precedence + 1);
+            left = combine(op, std::move(left), std::move(right), sourceFrom(start));
+        }
+        depth_ -= chained;
+        return left;
+    }
+
     Expression range() {
         const std::size_t start = peek().position;
         Expression first = binary(ADDITIVE);
@@ -229,6 +301,10 @@ private:
             deepen();
             ++chained;
             const Token op = take();
+            if (isTranspose(op)) {
+                left = transposed(op, std::move(left), sourceFrom(start));
+                continue;
+            }
             Expression right = precedence == POWER ? exponent() : binary(precedence + 1);
             left = combine(op, std::move(left), std::move(right), sourceFrom(start));
         }
@@ -236,8 +312,15 @@ private:
         return left;
     }
 
+    // A transpose applies to everything before it at its level: a^b' is (a^b)', -a' is -(a').
+    Expression transposed(const Token& op, Expression operand, std::string_view source) const {
+        std::vector<Expression> operands;
+        operands.push_back(std::move(operand));
+        return {Kind::POSTFIX, std::string(op.text), column_ + op.position, source, std::move(operands)};
+    }
+
     Expression unary() {
-        if (!isSymbol("-") && !isSymbol("+")) return primary();
+        if (!isSymbol("-") && !isSymbol("+") && !isSymbol("~")) return primary();
         const Nesting nesting(*this);
         const Token sign = take();
         return withSign(sign, binary(POWER));
@@ -246,7 +329,7 @@ private:
     // The right operand of a power: a sign and a primary, not a whole unary expression,
     // so that 2^-1^2 groups as (2^-1)^2.
     Expression exponent() {
-        if (!isSymbol("-") && !isSymbol("+")) return primary();
+        if (!isSymbol("-") && !isSymbol("+") && !isSymbol("~")) return primary();
         const Nesting nesting(*this);
         const Token sign = take();
         return withSign(sign, exponent());
@@ -254,7 +337,9 @@ private:
 
     Expression withSign(const Token& sign, Expression operand) {
         const std::string_view source = sourceFrom(sign.position);
-        const bool unsignedNumber = (operand.kind == Kind::REAL_NUMBER || operand.kind == Kind::IMAGINARY) &&
+        // A sign on a number stays one literal; not never does.
+        const bool unsignedNumber = sign.text != "~" &&
+                                    (operand.kind == Kind::REAL_NUMBER || operand.kind == Kind::IMAGINARY) &&
                                     operand.text.front() != '-' && operand.text.front() != '+';
         if (unsignedNumber) {
             const Kind kind = operand.kind == Kind::REAL_NUMBER ? Kind::REAL_NUMBER : Kind::LITERAL;
@@ -287,7 +372,7 @@ private:
         case Type::SYMBOL:
             if (token.text == "(") {
                 take();
-                Expression inner = range();
+                Expression inner = expression();
                 closeParenthesis();
                 return inner;
             }
@@ -319,7 +404,7 @@ private:
             const Token& colon = take();
             return {Kind::ALL, ":", column_ + colon.position, colon.text};
         }
-        return range();
+        return expression();
     }
 
     void closeParenthesis() {

@@ -3,7 +3,9 @@
 #include "Commands.hpp"
 #include "LibraryCommands.hpp"
 #include "StatementError.hpp"
+#include "Statements.hpp"
 #include "Suggestions.hpp"
+#include "Workspace.hpp"
 
 #include <orvex/LiteralError.hpp>
 #include <orvex/formatArray.hpp>
@@ -66,9 +68,29 @@ constexpr MatrixOperator MATRIX_OPERATORS[] = {
     {"^", "mpower", "power", ".^"},
 };
 
+// The builtin each of the other binary operators calls.
+struct OperatorBuiltin {
+    std::string_view symbol;
+    std::string_view builtin;
+};
+constexpr OperatorBuiltin BINARY_BUILTINS[] = {
+    {"+", "plus"}, {"-", "minus"}, {".*", "times"}, {"./", "rdivide"}, {".^", "power"}, {"==", "eq"},
+    {"~=", "ne"},  {"<", "lt"},    {"<=", "le"},    {">", "gt"},       {">=", "ge"},    {"&", "and"},
+    {"|", "or"},
+};
+
 std::string_view elementWiseBuiltin(std::string_view symbol) {
-    return symbol == "+" ? "plus" : symbol == "-" ? "minus" : symbol == ".*" ? "times" : symbol == "./" ? "rdivide" : "power";
+    const auto found = std::find_if(std::begin(BINARY_BUILTINS), std::end(BINARY_BUILTINS),
+                                    [&](const OperatorBuiltin& op) { return op.symbol == symbol; });
+    return found != std::end(BINARY_BUILTINS) ? found->builtin : std::string_view();
 }
+
+std::string_view unaryBuiltin(std::string_view symbol) {
+    return symbol == "-" ? "uminus" : symbol == "+" ? "uplus" : "not";
+}
+
+// The transposes: ' conjugates complex elements, .' does not.
+std::string_view postfixBuiltin(std::string_view symbol) { return symbol == "'" ? "ctranspose" : "transpose"; }
 
 } // namespace
 
@@ -94,8 +116,17 @@ void Session::followLibraries() {
     }
 }
 
-bool Session::run(std::string_view statement) {
-    statement_ = statement;
+bool Session::run(std::string_view line) {
+    statement_ = line;
+    for (const Statement& statement : splitStatements(line)) {
+        if (!runStatement(statement.text, statement.quiet)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Session::runStatement(std::string_view statement, bool quiet) {
     followLibraries();
     try {
         if (statement == "list") {
@@ -110,14 +141,18 @@ bool Session::run(std::string_view statement) {
             help(trimmed(statement.substr(4)));
             return true;
         }
-        const bool quiet = statement.ends_with(';');
-        std::string_view expression = quiet ? trimmed(statement.substr(0, statement.size() - 1)) : statement;
+        if (runWorkspaceCommand(statement, variables_, out_)) {
+            return true;
+        }
+        std::string_view expression = statement;
         if (runObjectAssignment(expression, quiet)) {
             return true;
         }
         std::string target = "ans";
         const std::size_t equals = expression.find('=');
-        if (equals != std::string_view::npos && isName(trimmed(expression.substr(0, equals)))) {
+        // "x == y" compares; only a lone '=' assigns.
+        const bool assigns = equals != std::string_view::npos && expression.substr(equals, 2) != "==";
+        if (assigns && isName(trimmed(expression.substr(0, equals)))) {
             target = std::string(trimmed(expression.substr(0, equals)));
             expression = trimmed(expression.substr(equals + 1));
         }
@@ -147,9 +182,10 @@ matrix::ArrayPtr Session::evaluate(const Expression& expression, const IndexCont
     case Kind::NAME: return name(expression);
     case Kind::CALL: return call(expression, context);
     case Kind::UNARY:
-        return applyOperator(expression.text == "-" ? "uminus" : "uplus", expression,
-                             operands(expression.operands, context));
+        return applyOperator(unaryBuiltin(expression.text), expression, operands(expression.operands, context));
     case Kind::BINARY: return binary(expression, context);
+    case Kind::POSTFIX:
+        return applyOperator(postfixBuiltin(expression.text), expression, operands(expression.operands, context));
     case Kind::RANGE: return applyOperator("colon", expression, operands(expression.operands, context));
     case Kind::END:
         if (context == nullptr) {
@@ -254,6 +290,9 @@ matrix::ArrayPtr Session::index(const oxArray* array, const Expression& expressi
 }
 
 matrix::ArrayPtr Session::binary(const Expression& expression, const IndexContext* context) {
+    if (expression.text == "&&" || expression.text == "||") {
+        return shortCircuit(expression, context);
+    }
     const auto matrixOperator = std::find_if(std::begin(MATRIX_OPERATORS), std::end(MATRIX_OPERATORS),
                                              [&](const MatrixOperator& op) { return op.symbol == expression.text; });
     if (matrixOperator == std::end(MATRIX_OPERATORS)) {
@@ -271,6 +310,35 @@ matrix::ArrayPtr Session::binary(const Expression& expression, const IndexContex
                                  std::string(matrixOperator->elementSymbol) + "' works element by element");
     }
     return applyOperator(matrixOperator->elementBuiltin, expression, std::move(arguments));
+}
+
+// a && b and a || b take scalars. The left operand decides alone when not(a) says it is
+// false (&&) or true (||), and the right one is not evaluated; otherwise the result is
+// and(a, b) or or(a, b). Every class the builtins take is read as they read it.
+matrix::ArrayPtr Session::shortCircuit(const Expression& expression, const IndexContext* context) {
+    const bool isAnd = expression.text == "&&";
+    const auto scalarOperand = [&](const Expression& side) {
+        matrix::ArrayPtr value = operand(side, context);
+        if (!matrix::isScalar(value.get())) {
+            throw StatementError(side.column,
+                                 "Operands to the '" + expression.text +
+                                     "' operator must be convertible to logical scalar values; this one has " +
+                                     std::to_string(matrix::getNumberOfElements(value.get())) + " elements");
+        }
+        return value;
+    };
+    Arrays arguments;
+    arguments.push_back(scalarOperand(expression.operands[0]));
+    Arrays negated;
+    negated.push_back(matrix::ArrayPtr(matrix::addReference(arguments[0].get())));
+    const matrix::ArrayPtr isFalse = applyOperator("not", expression, std::move(negated));
+    const bool leftIsFalse = matrix::getClassID(isFalse.get()) == oxLOGICAL_CLASS &&
+                             matrix::isScalar(isFalse.get()) && *matrix::getTypedData<bool>(isFalse.get());
+    if (leftIsFalse == isAnd) {
+        return matrix::ArrayPtr(matrix::createScalar(!isAnd));
+    }
+    arguments.push_back(scalarOperand(expression.operands[1]));
+    return applyOperator(isAnd ? "and" : "or", expression, std::move(arguments));
 }
 
 matrix::ArrayPtr Session::applyOperator(std::string_view builtinName, const Expression& expression, Arrays arguments) {

@@ -10,24 +10,32 @@
 //     b.append([4 5])                        method of an object
 //     b(2), b(end), b.size                   indexing an object, its property access
 //     b(end + 1) = 6                         assigning into an object
+//     v(v > 2 & v < 8), m', s == 'abc'       comparisons, logic, transposes (Expression.hpp)
 //     z = x + 1;                             a ';' at the end keeps the result quiet
+//     x = 3; y = 4, z = 5                    several statements a line (Statements.hpp)
+//     who, whos, clear x                     the variables themselves (Workspace.hpp)
 //     help plus                              what a builtin does and the variants it has
 //     help                                   every builtin
 //     list                                   every builtin, with its library
 //     unload samplelib, load modules/samplelib   libraries that come and go (LibraryCommands.hpp)
 //
 // Each operator calls the builtin of its name in the loaded libraries: + plus, - minus,
-// .* times, ./ rdivide, .^ power, unary - uminus and + uplus, a:b and a:s:b colon; and
-// * mtimes, / mrdivide, ^ mpower. Where no library provides mtimes, mrdivide or mpower,
-// their operators take scalars and call times, rdivide or power, which agree on scalars.
+// .* times, ./ rdivide, .^ power, unary - uminus and + uplus, a:b and a:s:b colon;
+// == eq, ~= ne, < lt, <= le, > gt, >= ge, & and, | or, unary ~ not, .' transpose and
+// ' ctranspose; and * mtimes, / mrdivide, ^ mpower. Where no library provides mtimes,
+// mrdivide or mpower, their operators take scalars and call times, rdivide or power,
+// which agree on scalars. a && b and a || b take scalars and short-circuit: not(a)
+// decides whether b is evaluated, and(a, b) or or(a, b) gives the result when it is.
 //
-// A statement that fails leaves the variables as they were. Errors that belong to a
+// A statement that fails leaves the variables as they were, and ends its line: the
+// statements before it on the line have run, those after it do not. Errors that belong to a
 // place in the statement are reported with a caret under it, aligned for a statement
 // echoed after the three-character prompt ">> ".
 #pragma once
 
 #include "Expression.hpp"
 #include "Libraries.hpp"
+#include "Workspace.hpp"
 
 #include <matrix/oxArray.hpp>
 
@@ -48,8 +56,10 @@ public:
     // A session over the libraries loaded at each statement, which may load and unload them.
     Session(const TrackedLibraries& libraries, std::ostream& out);
 
-    // Runs one statement and prints its result or its error; false when it failed.
-    bool run(std::string_view statement);
+    // Runs the statements of a line, separated by ',' (result shown) or ';' (quiet), and
+    // prints their results or the error of the first that fails, which ends the line;
+    // false when one failed.
+    bool run(std::string_view line);
 
 private:
     // The array an 'end' inside an index stands in, and the subscript it is part of.
@@ -60,6 +70,7 @@ private:
     };
     using Arrays = std::vector<matrix::ArrayPtr>;
 
+    bool runStatement(std::string_view statement, bool quiet);
     matrix::ArrayPtr evaluate(const Expression& expression, const IndexContext* context);
     matrix::ArrayPtr operand(const Expression& expression, const IndexContext* context);
     Arrays operands(const std::vector<Expression>& expressions, const IndexContext* context);
@@ -69,6 +80,7 @@ private:
     // Subscripts are evaluated in the context of the array indexed.
     matrix::ArrayPtr index(const oxArray* array, const Expression& expression);
     matrix::ArrayPtr binary(const Expression& expression, const IndexContext* context);
+    matrix::ArrayPtr shortCircuit(const Expression& expression, const IndexContext* context);
     matrix::ArrayPtr applyOperator(std::string_view builtinName, const Expression& expression, Arrays arguments);
     matrix::ArrayPtr callMethod(const Expression& expression, Arrays& arguments);
     // Engine objects (ObjectStatements.cpp): obj(i) with 'end' as the object's element
@@ -94,7 +106,7 @@ private:
     std::shared_ptr<const LibrarySnapshot> snapshot_;
     int generation_ = 0;
     std::ostream& out_;
-    std::map<std::string, matrix::ArrayPtr, std::less<>> variables_;
+    Variables variables_;
     std::string_view statement_;
 };
 
