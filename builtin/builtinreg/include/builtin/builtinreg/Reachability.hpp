@@ -8,7 +8,7 @@
 //
 // - BOXING_REMOVED: a function of numeric scalars is reached by interpreted calls through
 //   its boxed copy, which takes arrays; cleanup removes boxed copies the engine cannot
-//   call (Part 3.2), for example because another input or the result is text. Fix: take
+//   call, for example because another input or the result is text. Fix: take
 //   the number as const oxArray*, or add a variant that does.
 // - FLAG_ONLY: an input declared as a flag (.flags) takes only a literal option, which
 //   only compiled callers pass; an interpreted call passes the option as text. Fix: add a

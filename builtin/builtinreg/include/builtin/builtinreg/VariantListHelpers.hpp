@@ -24,7 +24,7 @@ const BuiltinVariant* findLastVariantWithSupportLevel(const std::vector<BuiltinV
 
 void sortFlags(FlagSpecification& flags);
 // Throws std::invalid_argument, naming the builtin, the function and the flag, when a
-// flag of the sorted specification stands beyond the inputs of a function of
+// flag of the sorted flag list stands beyond the inputs of a function of
 // parameterCount parameters (with the flags before it).
 void checkFlagPositions(std::string_view orvexFunctionName, std::string_view cppFunctionName,
                         const FlagSpecification& flags, std::size_t parameterCount);
