@@ -9,6 +9,7 @@
 // parts are; the ordering comparisons look at the real parts only, as the language does.
 #include "Broadcasting.hpp"
 #include "ElementTypes.hpp"
+#include "LogicalOfPairs.hpp"
 #include "Elements.hpp"
 #include "NoMatchReport.hpp"
 #include "SampleBuiltins.hpp"
@@ -91,23 +92,6 @@ bool compare(T a, T b) {
     return Op::template of<T>(a, b);
 }
 
-// Operands of different classes, char arrays and empty operands: a logical array of the
-// broadcast size.
-template <class Op>
-oxArray* compareArrays(const oxArray* a, const oxArray* b) {
-    requireNumbers(Op::NAME, a);
-    requireNumbers(Op::NAME, b);
-    rejectSizeMismatch(a, b);
-    const std::vector<std::size_t> dims = *broadcastDims(a, b);
-    matrix::ArrayPtr out = createArrayOf<bool>(dims);
-    bool* result = matrix::getTypedData<bool>(out.get());
-    const NumberReader x(a);
-    const NumberReader y(b);
-    forEachBroadcast(dims, matrix::getDimensions(a), matrix::getDimensions(b),
-                     [&](std::size_t k, std::size_t i, std::size_t j) { result[k] = Op::of(x[i], y[j]); });
-    return out.release();
-}
-
 // The element-wise variants for each class, then the host-array variant for the rest.
 template <class Op>
 std::vector<Velloc::builtin::BuiltinVariant> comparisonVariants() {
@@ -116,7 +100,7 @@ std::vector<Velloc::builtin::BuiltinVariant> comparisonVariants() {
               std::int64_t, std::uint64_t, std::complex<double>, std::complex<float>, bool>{},
         [](auto* t) { return makeVariants<&compare<Op, Of<decltype(t)>>>(Op::NAME, {.isElementWise = true}); });
     for (Velloc::builtin::BuiltinVariant& variant :
-         makeVariants<&compareArrays<Op>>(Op::NAME, {.mayThrowErrors = true})) {
+         makeVariants<&logicalOfPairs<Op>>(Op::NAME, {.mayThrowErrors = true})) {
         variants.push_back(std::move(variant));
     }
     return variants;

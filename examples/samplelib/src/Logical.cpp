@@ -8,6 +8,7 @@
 // operands take a host-array variant.
 #include "Broadcasting.hpp"
 #include "ElementTypes.hpp"
+#include "LogicalOfPairs.hpp"
 #include "Elements.hpp"
 #include "NoMatchReport.hpp"
 #include "SampleBuiltins.hpp"
@@ -81,21 +82,6 @@ bool notOf(T x) {
     return !truthOf(x);
 }
 
-template <class Op>
-oxArray* logicalArrays(const oxArray* a, const oxArray* b) {
-    requireNumbers(Op::NAME, a);
-    requireNumbers(Op::NAME, b);
-    rejectSizeMismatch(a, b);
-    const std::vector<std::size_t> dims = *broadcastDims(a, b);
-    matrix::ArrayPtr out = createArrayOf<bool>(dims);
-    bool* result = matrix::getTypedData<bool>(out.get());
-    const NumberReader x(a);
-    const NumberReader y(b);
-    forEachBroadcast(dims, matrix::getDimensions(a), matrix::getDimensions(b),
-                     [&](std::size_t k, std::size_t i, std::size_t j) { result[k] = Op::of(x[i], y[j]); });
-    return out.release();
-}
-
 oxArray* notArray(const oxArray* a) {
     requireNumbers("not", a);
     const matrix::Dims dims = matrix::getDimensions(a);
@@ -126,7 +112,7 @@ std::vector<BuiltinVariant> binaryVariants() {
     append(variants, variantsFor(FloatingTypes{}, [](auto* t) {
                return makeVariants<&logicalOf<Op, Of<decltype(t)>>>(Op::NAME, ELEMENT_WISE_THROWING);
            }));
-    append(variants, makeVariants<&logicalArrays<Op>>(Op::NAME, {.mayThrowErrors = true}));
+    append(variants, makeVariants<&logicalOfPairs<Op>>(Op::NAME, {.mayThrowErrors = true}));
     return variants;
 }
 
