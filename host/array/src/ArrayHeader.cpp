@@ -76,6 +76,7 @@ oxArray* allocateArray(Dims dimensions, oxClassID classId, std::uint32_t flags, 
     array->numberOfElements = overflows ? std::numeric_limits<std::size_t>::max() : elements;
     if (count == 2) flags |= flag::TWO_DIMENSIONAL;
     array->flags.store(flags, std::memory_order_relaxed);
+    array->glance.store(glanceOf(*array), std::memory_order_relaxed);
     if (dataBytes > INLINE_DATA_BYTES) {
         const std::size_t rounded = (dataBytes + DATA_ALIGNMENT - 1) / DATA_ALIGNMENT * DATA_ALIGNMENT;
         try {
@@ -107,6 +108,7 @@ void completeOpaqueDimensions(const oxArray& constArray) {
         array.numberOfDimensions = static_cast<std::uint32_t>(pending.size());
         std::size_t elements = 0;
         array.numberOfElements = multiplyDimensions(pending, elements) ? elements : std::numeric_limits<std::size_t>::max();
+        array.glance.store(glanceOf(array), std::memory_order_release);
         array.flags.fetch_and(~flag::OPAQUE_DIMENSIONS, std::memory_order_release);
     });
 }

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -27,26 +28,43 @@ struct ArrayExtras {
 };
 
 
+// The glance word of the header's fields (matrix/oxArrayLayout.hpp), or zero.
+inline std::uint32_t glanceOf(const oxArray& array) noexcept {
+    if (array.numberOfDimensions != 2 || array.classId < 0 || array.classId > MAX_CLASS_ID ||
+        array.numberOfElements == std::numeric_limits<std::size_t>::max()) {
+        return 0;
+    }
+    return glance::ofMatrix(static_cast<std::uint32_t>(array.classId), array.flags.load(std::memory_order_relaxed),
+                            array.dimensions[0], array.dimensions[1]);
+}
+
 // The header of a new array: reference count 1, no marks, dimensions stored with
 // trailing singletons beyond the second dropped (fewer than two are padded with 1),
 // room for `dataBytes` of data, inline when small. Throws ShapeError when `dataBytes`
 // cannot be represented.
 oxArray* allocateArray(Dims dimensions, oxClassID classId, std::uint32_t flags, std::size_t dataBytes);
-// A 1-by-1 array with its element in the header block: one allocation, and none of the
-// general path's checks, which a scalar cannot fail.
-inline oxArray* allocateScalar(oxClassID classId, std::uint32_t flags) {
+// A rows-by-cols array whose data fits in the header block: one allocation, and none of
+// the general path's checks, which such an array cannot fail. The caller has checked that
+// the class holds numeric data, and the size.
+inline oxArray* allocateInlineMatrix(oxClassID classId, std::uint32_t flags, std::size_t rows, std::size_t cols) {
     oxArray* array = newHeader();
     array->classId = classId;
     array->flags.store(flags | flag::TWO_DIMENSIONAL, std::memory_order_relaxed);
     array->referenceCount.store(1, std::memory_order_relaxed);
     array->numberOfDimensions = 2;
-    array->numberOfElements = 1;
+    array->numberOfElements = rows * cols;
     array->dimensions = array->inlineDimensions;
-    array->inlineDimensions[0] = 1;
-    array->inlineDimensions[1] = 1;
+    array->inlineDimensions[0] = rows;
+    array->inlineDimensions[1] = cols;
     array->data = array->inlineData;
     array->extras = nullptr;
+    array->glance.store(glance::ofMatrix(static_cast<std::uint32_t>(classId), flags, rows, cols),
+                        std::memory_order_relaxed);
     return array;
+}
+
+inline oxArray* allocateScalar(oxClassID classId, std::uint32_t flags) {
+    return allocateInlineMatrix(classId, flags, 1, 1);
 }
 
 // Stores the element count of the dimensions in `product`; false when it overflows.

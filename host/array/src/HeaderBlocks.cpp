@@ -13,17 +13,22 @@ std::uint64_t assignThreadSerial() noexcept {
     return threadSerial;
 }
 
-void registerDrain() noexcept {
+bool openWaitingList() noexcept {
     struct Drain {
         ~Drain() {
             waitingHeaders.closed = true;
+            waitingHeaders.capacity = 0;
             while (waitingHeaders.head != nullptr) {
                 ::operator delete(popWaitingHeader());
             }
         }
     };
+    if (waitingHeaders.closed || waitingHeaders.capacity != 0) {
+        return false;
+    }
     thread_local Drain drain;
-    waitingHeaders.drainRegistered = true;
+    waitingHeaders.capacity = WaitingHeaders::MAX_WAITING;
+    return true;
 }
 
 } // namespace matrix::detail

@@ -27,15 +27,18 @@ struct WaitingHeaders {
 
     WaitingBlock* head = nullptr;
     unsigned count = 0;
-    bool drainRegistered = false;
+    // MAX_WAITING once the thread's drain is registered, 0 before and once it has run: a
+    // destroyed header tests one bound.
+    unsigned capacity = 0;
     bool closed = false;
 };
 
 // Initial-exec: one load relative to the thread pointer, no call, for every array made.
 [[gnu::tls_model("initial-exec")]] extern constinit thread_local WaitingHeaders waitingHeaders;
 
-// Makes the thread give its waiting blocks back when it ends.
-void registerDrain() noexcept;
+// Opens the thread's list on its first destroyed header, making the thread give its
+// waiting blocks back when it ends; false when the list is full or closed.
+bool openWaitingList() noexcept;
 
 inline void* popWaitingHeader() noexcept {
     WaitingBlock* block = waitingHeaders.head;
@@ -62,12 +65,9 @@ inline oxArray* newHeader() {
 inline void deleteHeader(oxArray* array) noexcept {
     static_assert(std::is_trivially_destructible_v<oxArray>);
     WaitingHeaders& waiting = waitingHeaders;
-    if (waiting.count == WaitingHeaders::MAX_WAITING || waiting.closed) [[unlikely]] {
+    if (waiting.count >= waiting.capacity && !openWaitingList()) [[unlikely]] {
         ::operator delete(array);
         return;
-    }
-    if (!waiting.drainRegistered) [[unlikely]] {
-        registerDrain();
     }
     waiting.head = new (array) WaitingBlock{waiting.head};
     ++waiting.count;

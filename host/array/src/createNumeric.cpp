@@ -22,9 +22,14 @@ oxArray* do_create_uninitnumeric(Dims dims, oxClassID classId, oxComplexity comp
     if (complexity == oxCOMPLEX && !mayBeComplex(classId)) {
         throw ClassIdError("matrix: class " + std::to_string(classId) + " cannot be complex");
     }
+    const std::size_t elementBytes = realElementSize(classId) * (complexity == oxCOMPLEX ? 2 : 1);
+    // Small results of two dimensions, the commonest, skip the general path's loops.
+    if (dims.size() == 2 && dims[0] <= INLINE_DATA_BYTES && dims[1] <= INLINE_DATA_BYTES &&
+        dims[0] * dims[1] * elementBytes <= INLINE_DATA_BYTES) {
+        return allocateInlineMatrix(classId, complexityFlags(complexity), dims[0], dims[1]);
+    }
     std::size_t elements = 0;
     std::size_t bytes = 0;
-    const std::size_t elementBytes = realElementSize(classId) * (complexity == oxCOMPLEX ? 2 : 1);
     if (!multiplyDimensions(dims, elements) || __builtin_mul_overflow(elements, elementBytes, &bytes)) {
         throw overflowError(dims);
     }
@@ -86,6 +91,7 @@ oxArray* createWithOpaqueDimensions(Dims dims, oxClassID classId, oxComplexity c
     array->dimensions[0] = 0;
     array->dimensions[1] = 0;
     array->numberOfElements = 0;
+    array->glance.store(0, std::memory_order_relaxed);
     array->flags.fetch_or(detail::flag::OPAQUE_DIMENSIONS, std::memory_order_relaxed);
     return array;
 }

@@ -3,8 +3,13 @@
 // few loads rather than a call into the library. Only the array library writes them.
 //
 // A numeric, logical or char array whose data fits in INLINE_DATA_BYTES lives in one
-// allocation with its header and up to INLINE_DIMENSIONS dimensions; larger data is a
+// allocation with its header and up to INLINE_DIMENSIONS dimensions: a 1-by-1 result, or
+// the few elements of a small row, costs no allocation of its own. Larger data is a
 // separate DATA_ALIGNMENT-aligned block so that element-wise loops vectorise over it.
+//
+// The glance word says what the array is (class, complexity, storage, shape category) in
+// 32 bits, so that whoever classifies arrays by the million, as builtin dispatch does,
+// reads one field instead of five.
 // The flags word and the reference count are atomic because marks and references change
 // while other threads read.
 //
@@ -29,7 +34,7 @@
 namespace matrix::detail {
 
 inline constexpr std::size_t INLINE_DIMENSIONS = 4;
-inline constexpr std::size_t INLINE_DATA_BYTES = 32;
+inline constexpr std::size_t INLINE_DATA_BYTES = 64;
 inline constexpr std::size_t DATA_ALIGNMENT = 64;
 
 // Bits of the flags word.
@@ -46,6 +51,43 @@ inline constexpr std::uint32_t FOREIGN_STORAGE = STORAGE_LOW | STORAGE_HIGH;
 inline constexpr std::uint32_t TWO_DIMENSIONAL = 1u << 7;
 inline constexpr std::uint32_t OPAQUE_DIMENSIONS = 1u << 8;
 } // namespace flag
+
+// The glance word's layout: class id in the low 16 bits, then complexity, sparse storage,
+// a shape category in 4 bits and the dimension count of that category in 6, and KNOWN in
+// the top bit. Zero for an array that is not told at a glance (opaque dimensions until
+// they are completed, more than two dimensions, a class id out of range, an element count
+// that overflowed): those are classified from the header's fields.
+namespace glance {
+inline constexpr std::uint32_t CLASS_MASK = 0xffff;
+inline constexpr std::uint32_t COMPLEX = 1u << 16;
+inline constexpr std::uint32_t SPARSE = 1u << 17;
+inline constexpr unsigned SHAPE_SHIFT = 18;
+inline constexpr unsigned DIMS_SHIFT = 22;
+inline constexpr std::uint32_t KNOWN = 1u << 31;
+
+enum Shape : std::uint32_t { EMPTY_ROW = 1, EMPTY_COLUMN = 2, EMPTY = 3, SCALAR = 4, ROW = 5, COLUMN = 6, MATRIX = 8 };
+
+constexpr std::uint32_t word(std::uint32_t classId, std::uint32_t flags, std::uint32_t shape,
+                             std::uint32_t numDims) noexcept {
+    return (classId & CLASS_MASK) | KNOWN | ((flags & flag::COMPLEX) == flag::COMPLEX ? COMPLEX : 0) |
+           ((flags & flag::SPARSE) != 0 ? SPARSE : 0) | (shape << SHAPE_SHIFT) | (numDims << DIMS_SHIFT);
+}
+
+// The word of a two-dimensional array of a class id within 0..MAX_CLASS_ID.
+constexpr std::uint32_t ofMatrix(std::uint32_t classId, std::uint32_t flags, std::size_t rows,
+                                 std::size_t cols) noexcept {
+    if (rows == 1 && cols == 1) {
+        return word(classId, flags, SCALAR, 0);
+    }
+    if (rows == 0 || cols == 0) {
+        return word(classId, flags, rows == 1 ? EMPTY_ROW : (cols == 1 ? EMPTY_COLUMN : EMPTY), 0);
+    }
+    if (rows == 1 || cols == 1) {
+        return word(classId, flags, rows == 1 ? ROW : COLUMN, 1);
+    }
+    return word(classId, flags, MATRIX, 2);
+}
+} // namespace glance
 
 // What arrays other than plain numeric ones carry besides their header.
 struct ArrayExtras;
@@ -70,6 +112,8 @@ struct oxArray {
     // References dropped on the owner thread while callHolds was not zero, still counted in
     // referenceCount until the last hold's release; written only by the owner thread.
     std::atomic<std::uint32_t> droppedDuringCalls;
+    // Set when the array is made, or with release order once opaque dimensions are complete.
+    std::atomic<std::uint32_t> glance;
     std::size_t inlineDimensions[matrix::detail::INLINE_DIMENSIONS];
     alignas(16) std::byte inlineData[matrix::detail::INLINE_DATA_BYTES];
 };
