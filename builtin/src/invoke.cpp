@@ -21,6 +21,7 @@ namespace Velloc::builtin {
 namespace {
 
 using builtinreg::detail::DispatchCache;
+using builtinreg::detail::Route;
 using Parameters = boost::container::small_vector<Parameter, 8>;
 
 // Gives back the references that input conversion took, however the call ends.
@@ -57,12 +58,13 @@ template <class Run>
     return run();
 }
 
+const foundation::log::Channel& executionChannel = builtinreg::detail::executionChannel();
+
 // Runs the variant between the execution records, which cost one flag read when their
 // channel is off.
 template <class Run>
 auto traced(const BuiltinVariant& variant, const Run& run) {
-    static const foundation::log::Channel& executions = builtinreg::detail::executionChannel();
-    if (executions.isEnabled()) [[unlikely]] {
+    if (executionChannel.isEnabled()) [[unlikely]] {
         return runBetweenExecutionRecords(variant, run);
     }
     return run();
@@ -152,7 +154,7 @@ void deliver(const BuiltinVariant& variant, int nlhs, oxArray** plhs, oxArray* o
 }
 
 // Whether the direct entry takes these inputs as they are.
-inline bool takesAsTheyAre(const DirectEntry& entry, int nrhs, const types::InputKey* keys) noexcept {
+bool takesAsTheyAre(const DirectEntry& entry, int nrhs, const types::InputKey* keys) noexcept {
     for (int i = 0; i < nrhs; ++i) {
         if (entry.requiredKeys[i] != DirectEntry::ANY_ARRAY && entry.requiredKeys[i] != keys[i].bits()) {
             return false;
@@ -161,30 +163,75 @@ inline bool takesAsTheyAre(const DirectEntry& entry, int nrhs, const types::Inpu
     return true;
 }
 
+// Whether the direct entry's element-wise loop takes inputs of these keys: full arrays of
+// the classes its scalars declare, broadcast as their keys decide (every one that is not
+// 1-by-1 of the same dimensions).
+bool takesElementWise(const BuiltinVariant& variant, const DirectEntry& entry, int nrhs,
+                      const types::InputKey* keys) noexcept {
+    if (entry.callElementWise == nullptr || !variant.isElementWise || nrhs < 1 || nrhs > 2) {
+        return false;
+    }
+    for (int i = 0; i < nrhs; ++i) {
+        if (types::InputKey::elementBits(keys[i].bits()) != types::InputKey::elementBits(entry.requiredKeys[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// How to call the variant on inputs of these keys; broadcastKeyed says whether the keys
+// decide broadcasting.
+Route routeOf(const BuiltinVariant& variant, int nrhs, const types::InputKey* keys, bool broadcastKeyed) noexcept {
+    const DirectEntry* entry = variant.directEntry;
+    if (entry == nullptr) {
+        return Route::GENERIC;
+    }
+    if (takesAsTheyAre(*entry, nrhs, keys)) {
+        return Route::DIRECT;
+    }
+    return broadcastKeyed && takesElementWise(variant, *entry, nrhs, keys) ? Route::ELEMENT_WISE : Route::GENERIC;
+}
+
+// The element-wise loop runs on one thread; larger inputs go to the generic entry, whose
+// loops share the work. Its functions take one or two inputs.
+bool smallEnoughForElementWise(int nrhs, oxArray* const* prhs) noexcept {
+    return prhs[0]->numberOfElements <= DirectEntry::MAX_ELEMENT_WISE &&
+           prhs[nrhs - 1]->numberOfElements <= DirectEntry::MAX_ELEMENT_WISE;
+}
+
+using DirectCall = oxArray* (*)(oxArray* const*);
+
+// The direct call when checks are armed or executions traced.
+[[gnu::noinline]] oxArray* callWatched(const BuiltinVariant& variant, bool checked, DirectCall call,
+                                       oxArray* const* prhs) {
+    return checkedIfArmed(variant, checked, [&] { return call(prhs); });
+}
+
 // The same call as through the generic entry, without parameters or a call environment:
 // a function with a direct entry has one output, neither warns nor throws through the
-// environment, and lets its exceptions escape.
-void callDirectEntry(const BuiltinVariant& variant, const DirectEntry& entry, int nlhs, oxArray** plhs,
-                     oxArray* const* prhs) {
+// environment, and lets its exceptions escape. Inline: it is the whole of a scalar call.
+[[gnu::always_inline]] inline void callDirectEntry(const BuiltinVariant& variant, DirectCall call,
+                                                   bool returnsArray, int nlhs, oxArray** plhs,
+                                                   oxArray* const* prhs) {
     const bool checked = fl_diag_terminate();
-    oxArray* output = checkedIfArmed(variant, checked, [&] { return entry.call(prhs); });
+    oxArray* const output = !checked && !executionChannel.isEnabled() ? call(prhs)
+                                                                      : callWatched(variant, checked, call, prhs);
     if (deliversResult(variant, nlhs)) {
-        deliver(variant, nlhs, plhs, output, entry.returnsArray, checked);
+        deliver(variant, nlhs, plhs, output, returnsArray, checked);
     } else {
         matrix::destroyArray(output);
     }
 }
 
-const foundation::log::Channel& dispatchChannel() {
-    static const foundation::log::Channel& channel = foundation::log::channel("builtin2::dispatch");
-    return channel;
-}
+// Looked up once when the library loads, so that a call reads the channel's flag without
+// a test of a function-local static's guard.
+const foundation::log::Channel& dispatchChannel = foundation::log::channel("builtin2::dispatch");
 
 // One record per call on "builtin2::dispatch": the builtin, the list searched and the
 // variant taken ("plus: searchedByInvokeNoLxe -> samplelib::plusDouble [double, double]").
 // A disabled channel costs one flag read.
 [[gnu::noinline]] void traceDispatch(const BuiltinFcn& builtin, std::span<const BuiltinVariant> list, const BuiltinVariant* taken) {
-    foundation::log::logIf(dispatchChannel(), 1, "invoke", __LINE__, [&] {
+    foundation::log::logIf(dispatchChannel, 1, "invoke", __LINE__, [&] {
         std::string text = builtin.name + ": " + listNameOf(builtin, list) + " -> ";
         if (taken == &builtin.defaultVariant) {
             return text + "default implementation " + taken->cppFunctionName;
@@ -200,16 +247,36 @@ const foundation::log::Channel& dispatchChannel() {
                                                        static_cast<std::uint64_t>(nrhs), prhs));
 }
 
-// Calls the variant: through its direct entry when it has one that takes these inputs as
-// they are, otherwise through its generic entry.
-void callVariant(const BuiltinVariant& variant, int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
-                 const types::InputKey* keys) {
-    if (const DirectEntry* entry = variant.directEntry;
-        entry != nullptr && keys != nullptr && takesAsTheyAre(*entry, nrhs, keys)) {
-        callDirectEntry(variant, *entry, nlhs, plhs, prhs);
-        return;
+// The search for a call the cache has not seen yet, whose result it keeps.
+// The key by value, so that a hit keeps it in registers.
+[[gnu::noinline]] DispatchCache::Lookup searchAndStore(DispatchCache& cache, builtinreg::detail::CallKey key,
+                                                       std::span<const BuiltinVariant> list, int nlhs, int nrhs,
+                                                       oxArray* const* prhs, const types::InputKey* keys) {
+    const BuiltinVariant* variant = searchList(list, nlhs, nrhs, prhs);
+    const Route route = variant != nullptr ? routeOf(*variant, nrhs, keys, true) : Route::GENERIC;
+    cache.store(key, variant, route);
+    return {true, variant, route};
+}
+
+// Calls the variant the way the route says.
+[[gnu::always_inline]] inline void callRouted(const BuiltinVariant& variant, Route route, int nlhs, oxArray** plhs,
+                                              int nrhs, oxArray** prhs) {
+    if (route == Route::DIRECT) [[likely]] {
+        callDirectEntry(variant, variant.directEntry->call, variant.directEntry->returnsArray, nlhs, plhs, prhs);
+    } else if (route == Route::ELEMENT_WISE && smallEnoughForElementWise(nrhs, prhs)) {
+        callDirectEntry(variant, variant.directEntry->callElementWise, false, nlhs, plhs, prhs);
+    } else {
+        callGenericEntry(variant, nlhs, plhs, nrhs, prhs);
     }
-    callGenericEntry(variant, nlhs, plhs, nrhs, prhs);
+}
+
+// The calling form's mistakes, out of line so that their message does not weigh on every
+// call's frame.
+[[noreturn, gnu::noinline]] void throwBadCallingForm(const std::string& name, int nlhs, oxArray** plhs, int nrhs,
+                                                     oxArray** prhs) {
+    throw std::invalid_argument("BuiltinFcn::invoke of " + name + ": " + std::to_string(nlhs) + " outputs into " +
+                                (plhs == nullptr ? "no array" : "an array") + ", " + std::to_string(nrhs) +
+                                " inputs from " + (prhs == nullptr ? "no array" : "an array"));
 }
 
 } // namespace
@@ -225,39 +292,44 @@ inline unsigned BuiltinFcn::listIndexOf(std::span<const BuiltinVariant> list) co
 void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
                         VariantsToConsider variantsToConsider) const {
     // A caller's mistake in the calling form must not become a wild write.
-    if (nlhs < 0 || nrhs < 0 || (nlhs > 0 && plhs == nullptr) || (nrhs > 0 && prhs == nullptr)) {
-        throw std::invalid_argument("BuiltinFcn::invoke of " + name + ": " + std::to_string(nlhs) + " outputs into " +
-                                    (plhs == nullptr ? "no array" : "an array") + ", " + std::to_string(nrhs) +
-                                    " inputs from " + (prhs == nullptr ? "no array" : "an array"));
-    }
-    const std::span<const BuiltinVariant> list =
-        variantsToConsider == NoLxe ? searchedByInvokeNoLxe_.span() : chooseVariants(nrhs, prhs, variantsToConsider);
-    if (!list.empty()) {
-        const BuiltinVariant* variant = nullptr;
-        types::InputKey keys[DispatchCache::MAX_INPUTS];
-        builtinreg::detail::CallKey key;
-        const bool keyed = static_cast<std::size_t>(nrhs) <= DispatchCache::MAX_INPUTS;
-        if (keyed) {
-            for (int i = 0; i < nrhs; ++i) {
-                keys[i] = types::InputKey::of(prhs[i]);
-            }
+    // The common form (both arrays given, neither count negative) is tested first.
+    if (plhs == nullptr || prhs == nullptr || (nlhs | nrhs) < 0) [[unlikely]] {
+        if (nlhs < 0 || nrhs < 0 || (nlhs > 0 && plhs == nullptr) || (nrhs > 0 && prhs == nullptr)) {
+            throwBadCallingForm(name, nlhs, plhs, nrhs, prhs);
         }
-        if (keyed && DispatchCache::keyOf(listIndexOf(list), static_cast<std::uint64_t>(nlhs),
-                                          static_cast<std::uint64_t>(nrhs), prhs, keys, key)) {
-            if (const DispatchCache::Lookup seen = dispatchCache_->find(key); seen.found) {
+    }
+    std::span<const BuiltinVariant> list = searchedByInvokeNoLxe_.span();
+    unsigned listIndex = 0;
+    if (variantsToConsider != NoLxe) [[unlikely]] {
+        list = chooseVariants(nrhs, prhs, variantsToConsider);
+        listIndex = listIndexOf(list);
+    }
+    if (!list.empty()) [[likely]] {
+        const BuiltinVariant* variant = nullptr;
+        Route route = Route::GENERIC;
+        if (static_cast<std::size_t>(nrhs) <= DispatchCache::MAX_INPUTS && nlhs <= 0xff) [[likely]] {
+            types::InputKey keys[DispatchCache::MAX_INPUTS];
+            builtinreg::detail::CallKey key;
+            if (DispatchCache::keyOf(listIndex, static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs),
+                                     prhs, keys, key)) [[likely]] {
+                DispatchCache::Lookup seen = dispatchCache_->find(key);
+                if (!seen.found) [[unlikely]] {
+                    seen = searchAndStore(*dispatchCache_, key, list, nlhs, nrhs, prhs, keys);
+                }
                 variant = seen.variant;
+                route = seen.route;
             } else {
                 variant = searchList(list, nlhs, nrhs, prhs);
-                dispatchCache_->store(key, variant);
+                route = variant != nullptr ? routeOf(*variant, nrhs, keys, false) : Route::GENERIC;
             }
         } else {
             variant = searchList(list, nlhs, nrhs, prhs);
         }
-        if (variant != nullptr) {
-            if (dispatchChannel().isEnabled()) [[unlikely]] {
+        if (variant != nullptr) [[likely]] {
+            if (dispatchChannel.isEnabled()) [[unlikely]] {
                 traceDispatch(*this, list, variant);
             }
-            callVariant(*variant, nlhs, plhs, nrhs, prhs, keyed ? keys : nullptr);
+            callRouted(*variant, route, nlhs, plhs, nrhs, prhs);
             return;
         }
     }

@@ -136,6 +136,89 @@ TEST(DirectEntry, TheBoxedCopyClearsTheMarkOfTheArrayItUnboxes) {
     EXPECT_THROW(call(boxed.builtin, {pair.get()}), NotScalarError);
 }
 
+double weightedSum(double a, double b) { return 2 * a + b; }
+bool isBelow(double a, double b) { return a < b; }
+double failsOnNegative(double a, double b) {
+    if (a < 0) {
+        throw std::domain_error("negative element");
+    }
+    return a * b;
+}
+
+matrix::ArrayPtr counting(std::vector<std::size_t> dims, double start) {
+    matrix::ArrayPtr array(matrix::detail::do_create_uninitnumeric(dims, oxDOUBLE_CLASS, oxREAL));
+    double* data = matrix::getTypedData<double>(array.get());
+    for (std::size_t i = 0; i < matrix::getNumberOfElements(array.get()); ++i) {
+        data[i] = start + static_cast<double>(i);
+    }
+    return array;
+}
+
+// Class, dimensions and elements, to compare a result with another bit for bit.
+template <class T>
+std::vector<double> contents(const oxArray* array) {
+    std::vector<double> text{static_cast<double>(matrix::getClassID(array))};
+    for (const std::size_t extent : matrix::getDimensions(array)) {
+        text.push_back(static_cast<double>(extent));
+    }
+    const T* data = matrix::getTypedData<T>(array);
+    text.insert(text.end(), data, data + matrix::getNumberOfElements(array));
+    return text;
+}
+
+// The element-wise variant's loop over arrays gives what the generic entry's broadcasting
+// gives (the same function declared as warning has no direct entry), for every pairing
+// of shapes, including those the loop leaves to the generic entry: arrays that broadcast
+// along different dimensions and arrays too large for one thread.
+TEST(DirectEntry, ElementWiseLoopsOverArraysGiveWhatTheGenericEntryGives) {
+    const Builtin direct(makeVariants<&weightedSum>("f", {.isElementWise = true}));
+    const Builtin generic(makeVariants<&weightedSum>("f", {.mayRaiseWarnings = true, .isElementWise = true}));
+    const Builtin directBelow(makeVariants<&isBelow>("f", {.isElementWise = true}));
+    const Builtin genericBelow(makeVariants<&isBelow>("f", {.mayRaiseWarnings = true, .isElementWise = true}));
+    ASSERT_TRUE(everyVariantHasADirectEntry(direct.builtin));
+    ASSERT_NE(direct.builtin.getSearchedByInvokeNoLxe().front().directEntry->callElementWise, nullptr);
+    ASSERT_EQ(generic.builtin.getSearchedByInvokeNoLxe().front().directEntry, nullptr);
+    const std::size_t large = DirectEntry::MAX_ELEMENT_WISE + 1;
+    const std::vector<std::pair<std::vector<std::size_t>, std::vector<std::size_t>>> shapes{
+        {{1, 8}, {1, 8}}, {{1, 1}, {2, 3}}, {{2, 3}, {1, 1}}, {{3, 1}, {3, 1}}, {{2, 2, 2}, {2, 2, 2}},
+        {{1, 3}, {3, 1}}, {{1, 1}, {1, large}}, {{large, 1}, {large, 1}},
+    };
+    for (const auto& [first, second] : shapes) {
+        const matrix::ArrayPtr a = counting(first, 1);
+        const matrix::ArrayPtr b = counting(second, 3);
+        matrix::setTemporary(a.get(), true);
+        matrix::setTemporary(b.get(), true);
+        const std::string label = ::testing::PrintToString(first) + " with " + ::testing::PrintToString(second);
+        SCOPED_TRACE(label);
+        // Twice: the first call searches, the second is served by the dispatch cache.
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(contents<double>(call(direct.builtin, {a.get(), b.get()}).get()),
+                      contents<double>(call(generic.builtin, {a.get(), b.get()}).get()))
+                << label;
+            EXPECT_EQ(contents<bool>(call(directBelow.builtin, {b.get(), a.get()}).get()),
+                      contents<bool>(call(genericBelow.builtin, {b.get(), a.get()}).get()))
+                << label;
+        }
+        // Arrays are passed, and so no longer temporaries; 1-by-1 inputs are read as values.
+        EXPECT_EQ(matrix::isTemporary(a.get()), matrix::getNumberOfElements(a.get()) == 1) << label;
+        EXPECT_EQ(matrix::getReferenceCount(a.get()), 1u) << label;
+        EXPECT_EQ(matrix::getReferenceCount(b.get()), 1u) << label;
+    }
+}
+
+TEST(DirectEntry, AnExceptionFromAnElementEndsTheLoopAndReleasesEverything) {
+    const Builtin f(makeVariants<&failsOnNegative>("f", {.isElementWise = true}));
+    ASSERT_NE(f.builtin.getSearchedByInvokeNoLxe().front().directEntry->callElementWise, nullptr);
+    const matrix::ArrayPtr a = counting({1, 8}, -4);
+    const matrix::ArrayPtr b = counting({1, 8}, 0);
+    EXPECT_THROW(call(f.builtin, {a.get(), b.get()}), std::domain_error);
+    EXPECT_EQ(matrix::getReferenceCount(a.get()), 1u);
+    EXPECT_EQ(matrix::getReferenceCount(b.get()), 1u);
+    const matrix::ArrayPtr positive = counting({1, 8}, 1);
+    const matrix::ArrayPtr product = call(f.builtin, {positive.get(), b.get()});
+    EXPECT_EQ(matrix::getTypedData<double>(product.get())[7], 8.0 * 7.0);
+}
+
 TEST(DirectEntry, FunctionsThatWarnThrowOrTakeAContextKeepTheGenericEntryOnly) {
     const Builtin throwing(makeVariants<&negate>("f", {.mayThrowErrors = true, .isElementWise = true}));
     const Builtin flagged(makeVariants<&negate>("f", {.flags = {{1, "twice"}}}));

@@ -44,6 +44,9 @@ struct DirectEntry {
     static constexpr std::size_t MAX_INPUTS = 4;
     // The required key of an input passed as the host array itself: any key will do.
     static constexpr std::uint32_t ANY_ARRAY = 0;
+    // The largest input callElementWise runs over; larger ones take the generic entry,
+    // whose loops share the work among threads.
+    static constexpr std::size_t MAX_ELEMENT_WISE = std::size_t{1} << 15;
 
     // Per input, the key of the 1-by-1 array read as a scalar parameter, or ANY_ARRAY.
     std::array<std::uint32_t, MAX_INPUTS> requiredKeys;
@@ -51,6 +54,10 @@ struct DirectEntry {
     // it returned, or the host array it returned.
     oxArray* (*call)(oxArray* const* prhs);
     bool returnsArray;
+    // For a function of one or two numeric scalars: runs it over each element of full
+    // arrays of those scalars' classes, each 1-by-1 or of the output's dimensions, into a
+    // new array. Null for other functions.
+    oxArray* (*callElementWise)(oxArray* const* prhs) = nullptr;
 };
 
 class BuiltinVariant {

@@ -1,6 +1,8 @@
-// The variant a builtin's invoke chose for each recently seen kind of call. A builtin's
-// lists never change, so the first acceptable variant for a list, an output count and the
-// keys of the inputs never changes either: a call whose key is found skips the search.
+// The variant a builtin's invoke chose for each recently seen kind of call, and how it
+// calls that variant. A builtin's lists never change, so the first acceptable variant for
+// a list, an output count and the keys of the inputs never changes either, nor whether its
+// direct entry takes inputs of those keys: a call whose key is found skips the search and
+// the entry's tests.
 //
 // Lock-free: each slot is guarded by a sequence number that is odd while a writer fills
 // it. A reader that sees the number change (or odd) treats the slot as a miss, and a
@@ -11,7 +13,9 @@
 
 #include <builtin/types/InputKey.hpp>
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -29,72 +33,125 @@ struct CallKey {
     friend bool operator==(const CallKey&, const CallKey&) = default;
 };
 
+// How invoke calls the variant chosen for a kind of call: its direct entry on the inputs
+// as they are, its direct entry's element-wise loop (for inputs small enough), or its
+// generic entry.
+enum class Route : std::uint8_t { GENERIC = 0, DIRECT = 1, ELEMENT_WISE = 2 };
+
 class DispatchCache {
 public:
     static constexpr std::size_t MAX_INPUTS = 4;
     static constexpr std::size_t SLOTS = 16;
 
-    // The key of a call of at most MAX_INPUTS inputs, given the keys of its inputs; false
-    // when the first acceptable variant may depend on more than those keys: an input the
-    // host rejects, or element-wise broadcasting between arrays of different dimensions
-    // that are not 1-by-1.
+    // Reads the keys of a call's inputs into keys, and makes the call's key from them;
+    // false when the first acceptable variant may depend on more than those keys: an input
+    // the host rejects, or element-wise broadcasting between arrays of different dimensions
+    // that are not 1-by-1. At most MAX_INPUTS inputs and 0xff outputs.
     static bool keyOf(unsigned listIndex, std::uint64_t nlhs, std::uint64_t nrhs, oxArray* const* prhs,
-                      const types::InputKey* keys, CallKey& key) noexcept;
+                      types::InputKey* keys, CallKey& key) noexcept;
 
     struct Lookup {
         bool found = false;
         const BuiltinVariant* variant = nullptr; // null when no variant accepts the call
+        Route route = Route::GENERIC;
     };
     Lookup find(const CallKey& key) const noexcept;
     // Best effort: a slot another thread is filling is left as it is.
-    void store(const CallKey& key, const BuiltinVariant* variant) noexcept;
+    void store(const CallKey& key, const BuiltinVariant* variant, Route route) noexcept;
 
 private:
+    // The variant's address with the route in its low bits.
     struct Slot {
         std::atomic<std::uint64_t> sequence{0};
         std::array<std::atomic<std::uint64_t>, 3> words{};
-        std::atomic<const BuiltinVariant*> variant{nullptr};
+        std::atomic<std::uintptr_t> variant{0};
     };
+    static constexpr std::uintptr_t ROUTE_MASK = 3;
 
+    // One multiplication: its top bits, which pick the slot, depend on every bit of the key.
     static std::uint64_t hashOf(const CallKey& key) noexcept {
-        return (key.words[0] ^ (key.words[1] * 0x9e3779b97f4a7c15ull) ^ (key.words[2] * 0xc2b2ae3d27d4eb4full)) *
-               0x9e3779b97f4a7c15ull;
+        return (key.words[0] ^ key.words[1] ^ std::rotl(key.words[2], 29)) * 0x9e3779b97f4a7c15ull;
     }
     // Two slots per key: where the top bits of its hash point, and the neighbour.
+    template <std::size_t N>
+    static bool keyOfInputs(unsigned listIndex, std::uint64_t nlhs, oxArray* const* prhs, types::InputKey* keys,
+                            CallKey& key) noexcept;
     static std::size_t homeSlot(std::uint64_t hash) noexcept {
         static_assert(SLOTS == 16);
         return static_cast<std::size_t>(hash >> 60);
     }
     static Lookup findIn(const Slot& slot, const CallKey& key) noexcept;
-    // Whether the call's inputs decide broadcasting by their keys; sameDimensions says
-    // whether all of them have the same dimensions.
-    static bool broadcastIsKeyed(std::uint64_t nrhs, oxArray* const* prhs, const types::InputKey* keys,
-                                 bool& sameDimensions) noexcept;
+    // Whether the call's N inputs, not all 1-by-1, decide broadcasting by their keys;
+    // sameDimensions says whether all of them have the same dimensions.
+    template <std::size_t N>
+    static bool broadcastIsKeyed(oxArray* const* prhs, const types::InputKey* keys, bool& sameDimensions) noexcept;
 
     std::array<Slot, SLOTS> slots_;
 };
 
-inline bool DispatchCache::keyOf(unsigned listIndex, std::uint64_t nlhs, std::uint64_t nrhs, oxArray* const* prhs,
-                                 const types::InputKey* keys, CallKey& key) noexcept {
-    if (nrhs > MAX_INPUTS || nlhs > 0xff) {
-        return false;
-    }
-    bool allScalar = true;
-    for (std::uint64_t i = 0; i < nrhs; ++i) {
-        if (!keys[i].isSupported()) {
-            return false;
+// Broadcasting is decided by the keys alone when every input has the same dimensions, or
+// when at most one input is not 1-by-1 and that one is not empty. Whether all dimensions
+// agree is part of the key; 1-by-1 inputs agree with each other and with nothing else, so
+// only several arrays that are not 1-by-1 need their dimensions compared, straight from
+// their headers: every input has a key, so its dimensions are complete.
+template <std::size_t N>
+inline bool DispatchCache::broadcastIsKeyed(oxArray* const* prhs, const types::InputKey* keys,
+                                            bool& sameDimensions) noexcept {
+    std::size_t notScalar = 0;
+    bool notScalarIsEmpty = false;
+    for (std::size_t i = 0; i < N; ++i) {
+        if (types::InputKey::notScalarBits(keys[i].bits()) != 0) {
+            ++notScalar;
+            notScalarIsEmpty = keys[i].isEmpty();
         }
-        allScalar = allScalar && keys[i].shape() == types::InputKey::Shape::SCALAR;
+    }
+    sameDimensions = N == 1;
+    if (notScalar == N && N > 1) {
+        sameDimensions = true;
+        for (std::size_t i = 1; i < N && sameDimensions; ++i) {
+            sameDimensions = prhs[i]->numberOfDimensions == prhs[0]->numberOfDimensions &&
+                             std::equal(prhs[0]->dimensions, prhs[0]->dimensions + prhs[0]->numberOfDimensions,
+                                        prhs[i]->dimensions);
+        }
+    }
+    return sameDimensions || (notScalar <= 1 && !notScalarIsEmpty);
+}
+
+template <std::size_t N>
+inline bool DispatchCache::keyOfInputs(unsigned listIndex, std::uint64_t nlhs, oxArray* const* prhs,
+                                       types::InputKey* keys, CallKey& key) noexcept {
+    std::uint32_t common = ~0u;
+    std::uint32_t notScalar = 0;
+    for (std::size_t i = 0; i < N; ++i) {
+        keys[i] = types::InputKey::of(prhs[i]);
+        common &= keys[i].bits();
+        notScalar |= types::InputKey::notScalarBits(keys[i].bits());
         key.words[1 + i / 2] |= std::uint64_t{keys[i].bits()} << (32 * (i % 2));
+    }
+    if (!types::InputKey::allSupported(common)) {
+        return false;
     }
     // 1-by-1 inputs have the same dimensions, and broadcast with each other.
     bool sameDimensions = true;
-    if (!allScalar && !broadcastIsKeyed(nrhs, prhs, keys, sameDimensions)) {
+    if (notScalar != 0 && !broadcastIsKeyed<N>(prhs, keys, sameDimensions)) {
         return false;
     }
     key.words[0] = 1 | (std::uint64_t{listIndex} << 1) | (std::uint64_t{sameDimensions} << 3) | (nlhs << 8) |
-                   (nrhs << 16);
+                   (std::uint64_t{N} << 16);
     return true;
+}
+
+// One loop per input count, each unrolled: a call's key is a few instructions per input.
+inline bool DispatchCache::keyOf(unsigned listIndex, std::uint64_t nlhs, std::uint64_t nrhs, oxArray* const* prhs,
+                                 types::InputKey* keys, CallKey& key) noexcept {
+    static_assert(MAX_INPUTS == 4);
+    switch (nrhs) {
+    case 0: return keyOfInputs<0>(listIndex, nlhs, prhs, keys, key);
+    case 1: return keyOfInputs<1>(listIndex, nlhs, prhs, keys, key);
+    case 2: return keyOfInputs<2>(listIndex, nlhs, prhs, keys, key);
+    case 3: return keyOfInputs<3>(listIndex, nlhs, prhs, keys, key);
+    default: return keyOfInputs<4>(listIndex, nlhs, prhs, keys, key);
+    }
 }
 
 inline DispatchCache::Lookup DispatchCache::find(const CallKey& key) const noexcept {
@@ -113,11 +170,12 @@ inline DispatchCache::Lookup DispatchCache::findIn(const Slot& slot, const CallK
     const std::uint64_t first = slot.words[0].load(std::memory_order_acquire);
     const std::uint64_t second = slot.words[1].load(std::memory_order_acquire);
     const std::uint64_t third = slot.words[2].load(std::memory_order_acquire);
-    const BuiltinVariant* variant = slot.variant.load(std::memory_order_acquire);
+    const std::uintptr_t variant = slot.variant.load(std::memory_order_acquire);
     // An odd number is a slot being filled; a changed one, a slot refilled while read.
     const bool settled = (before & 1) == 0 && slot.sequence.load(std::memory_order_relaxed) == before;
     if (settled && first == key.words[0] && second == key.words[1] && third == key.words[2]) {
-        return {true, variant};
+        return {true, reinterpret_cast<const BuiltinVariant*>(variant & ~ROUTE_MASK),
+                static_cast<Route>(variant & ROUTE_MASK)};
     }
     return {};
 }

@@ -119,8 +119,61 @@ struct DirectEntryOf {
         }(std::make_index_sequence<ARITY>{});
     }
 
+    static constexpr bool RUNS_ELEMENT_WISE =
+        EXISTS && !BoxedScalars && (ARITY == 1 || ARITY == 2) && isParameterValue<Result> &&
+        SCALAR_INPUTS == (1u << ARITY) - 1;
+
+    // An input that is not 1-by-1 is read element by element, held for the call and no
+    // longer a temporary, as the generic entry passes it; a 1-by-1 input is read as its
+    // value. Every input that is not 1-by-1 has the output's dimensions.
+    static oxArray* callElementWise(oxArray* const* prhs) {
+        HeldInputs<ARITY> held;
+        const oxArray* shaped = prhs[0];
+        for (std::size_t i = 0; i < ARITY; ++i) {
+            if (prhs[i]->numberOfElements != 1) {
+                held.hold(prhs[i]);
+                shaped = prhs[i];
+            }
+        }
+        matrix::ArrayPtr out(matrix::detail::do_create_uninitnumeric(
+            matrix::Dims(shaped->dimensions, shaped->numberOfDimensions), classOfValue<Result>(),
+            isComplexValue<Result>() ? oxCOMPLEX : oxREAL));
+        // A new array: no input aliases it, which lets the loops vectorise without checks.
+        Result* __restrict const result = static_cast<Result*>(out->data);
+        const std::size_t count = out->numberOfElements;
+        const Arg<0>* const a = static_cast<const Arg<0>*>(prhs[0]->data);
+        if constexpr (ARITY == 1) {
+            for (std::size_t i = 0; i < count; ++i) {
+                result[i] = Fcn(a[i]);
+            }
+        } else {
+            // Separate loops, so that each vectorises with its scalar hoisted.
+            const Arg<1>* const b = static_cast<const Arg<1>*>(prhs[1]->data);
+            if (prhs[0]->numberOfElements == count && prhs[1]->numberOfElements == count) {
+                for (std::size_t i = 0; i < count; ++i) {
+                    result[i] = Fcn(a[i], b[i]);
+                }
+            } else if (prhs[1]->numberOfElements == 1) {
+                const Arg<1> y = *b;
+                for (std::size_t i = 0; i < count; ++i) {
+                    result[i] = Fcn(a[i], y);
+                }
+            } else {
+                const Arg<0> x = *a;
+                for (std::size_t i = 0; i < count; ++i) {
+                    result[i] = Fcn(x, b[i]);
+                }
+            }
+        }
+        return out.release();
+    }
+
     static constexpr DirectEntry ENTRY = []<std::size_t... I>(std::index_sequence<I...>) {
-        return DirectEntry{{requiredKey<I>()...}, &call, std::is_same_v<Result, oxArray*>};
+        if constexpr (RUNS_ELEMENT_WISE) {
+            return DirectEntry{{requiredKey<I>()...}, &call, false, &callElementWise};
+        } else {
+            return DirectEntry{{requiredKey<I>()...}, &call, std::is_same_v<Result, oxArray*>};
+        }
     }(std::make_index_sequence<ARITY>{});
 };
 

@@ -5,10 +5,9 @@
 
 #include <builtin/types/ArgTypeFwd.hpp>
 #include <builtin/types/OxArrayTypes.hpp>
-#include <matrix/oxArray.hpp>
+#include <matrix/oxArrayLayout.hpp>
 
 #include <cstdint>
-#include <limits>
 
 namespace Velloc::builtin::types {
 
@@ -20,22 +19,19 @@ public:
     // handle, or anything the host rejects.
     constexpr InputKey() noexcept = default;
 
-    // Reads a few header fields for the common two-dimensional array; the rest goes
-    // through the general classification. Never throws and never allocates. The flags come
-    // first: while the dimensions are opaque, another thread may be completing them, and
-    // the dimension fields may be read only once the flag is seen clear (the completion
-    // clears it with release order after writing them).
+    // One load for an array the array library tells at a glance, which is every array of
+    // two dimensions; the rest goes through the general classification. Never throws and
+    // never allocates. The glance word of opaque dimensions is zero until their completion
+    // publishes it (with release order, after the dimensions), so a word read here never
+    // stands for dimensions still being written.
     static InputKey of(const oxArray* array) noexcept {
         if (array == nullptr) {
             return {};
         }
-        const std::uint32_t flags = array->flags.load(std::memory_order_acquire);
-        if ((flags & matrix::detail::flag::OPAQUE_DIMENSIONS) != 0 || array->numberOfDimensions != 2 ||
-            array->classId < 0 || array->classId > matrix::MAX_CLASS_ID ||
-            array->numberOfElements == std::numeric_limits<std::size_t>::max()) [[unlikely]] {
-            return ofGeneral(array);
+        if (const std::uint32_t word = array->glance.load(std::memory_order_acquire); word != 0) [[likely]] {
+            return InputKey(word);
         }
-        return ofMatrix(array->classId, flags, array->dimensions[0], array->dimensions[1]);
+        return ofGeneral(array);
     }
 
     // The key of a full 1-by-1 array of the class, real or complex.
@@ -48,6 +44,15 @@ public:
     ArgType argType() const;
 
     constexpr bool isSupported() const noexcept { return (bits_ & SUPPORTED) != 0; }
+    constexpr bool isEmpty() const noexcept {
+        return shape() == Shape::EMPTY_ROW || shape() == Shape::EMPTY_COL || shape() == Shape::EMPTY;
+    }
+    // Not zero unless the key's shape is SCALAR: or-ed over keys, whether any is not.
+    static constexpr std::uint32_t notScalarBits(std::uint32_t bits) noexcept {
+        return (bits ^ (static_cast<std::uint32_t>(Shape::SCALAR) << SHAPE_SHIFT)) & (0xfu << SHAPE_SHIFT);
+    }
+    // Whether keys whose bits, and-ed together, give common are all supported.
+    static constexpr bool allSupported(std::uint32_t common) noexcept { return (common & SUPPORTED) != 0; }
     constexpr oxClassID classId() const noexcept { return static_cast<oxClassID>(bits_ & CLASS_MASK); }
     constexpr bool isComplex() const noexcept { return (bits_ & COMPLEX) != 0; }
     constexpr bool isSparse() const noexcept { return (bits_ & SPARSE) != 0; }
@@ -58,35 +63,39 @@ public:
         return isSupported() && !isSparse() && shape() == Shape::SCALAR;
     }
     constexpr std::uint32_t bits() const noexcept { return bits_; }
+    // The key's class, complexity and storage without its shape: equal for the elements
+    // of arrays of any shape.
+    static constexpr std::uint32_t elementBits(std::uint32_t bits) noexcept {
+        return bits & ~((0xfu << SHAPE_SHIFT) | (0x3fu << DIMS_SHIFT));
+    }
 
     friend constexpr bool operator==(InputKey, InputKey) noexcept = default;
 
 private:
-    static constexpr std::uint32_t CLASS_MASK = 0xffff;
-    static constexpr std::uint32_t COMPLEX = 1u << 16;
-    static constexpr std::uint32_t SPARSE = 1u << 17;
-    static constexpr unsigned SHAPE_SHIFT = 18;
-    static constexpr unsigned DIMS_SHIFT = 22;
-    static constexpr std::uint32_t SUPPORTED = 1u << 31;
+    // The key is the array library's glance word; dispatch extends it to arrays of more
+    // dimensions with the ND category.
+    static constexpr std::uint32_t CLASS_MASK = matrix::detail::glance::CLASS_MASK;
+    static constexpr std::uint32_t COMPLEX = matrix::detail::glance::COMPLEX;
+    static constexpr std::uint32_t SPARSE = matrix::detail::glance::SPARSE;
+    static constexpr unsigned SHAPE_SHIFT = matrix::detail::glance::SHAPE_SHIFT;
+    static constexpr unsigned DIMS_SHIFT = matrix::detail::glance::DIMS_SHIFT;
+    static constexpr std::uint32_t SUPPORTED = matrix::detail::glance::KNOWN;
+    static_assert(static_cast<std::uint32_t>(Shape::EMPTY_ROW) == matrix::detail::glance::EMPTY_ROW &&
+                  static_cast<std::uint32_t>(Shape::EMPTY_COL) == matrix::detail::glance::EMPTY_COLUMN &&
+                  static_cast<std::uint32_t>(Shape::EMPTY) == matrix::detail::glance::EMPTY &&
+                  static_cast<std::uint32_t>(Shape::SCALAR) == matrix::detail::glance::SCALAR &&
+                  static_cast<std::uint32_t>(Shape::ROW) == matrix::detail::glance::ROW &&
+                  static_cast<std::uint32_t>(Shape::COLUMN) == matrix::detail::glance::COLUMN &&
+                  static_cast<std::uint32_t>(Shape::TWO_D) == matrix::detail::glance::MATRIX);
 
+    explicit constexpr InputKey(std::uint32_t bits) noexcept : bits_(bits) {}
     constexpr InputKey(oxClassID classId, std::uint32_t flags, Shape shape, std::uint32_t numDims) noexcept
-        : bits_(static_cast<std::uint32_t>(classId) | SUPPORTED |
-                ((flags & matrix::detail::flag::COMPLEX) == matrix::detail::flag::COMPLEX ? COMPLEX : 0) |
-                ((flags & matrix::detail::flag::SPARSE) != 0 ? SPARSE : 0) |
-                (static_cast<std::uint32_t>(shape) << SHAPE_SHIFT) | (numDims << DIMS_SHIFT)) {}
+        : bits_(matrix::detail::glance::word(static_cast<std::uint32_t>(classId), flags,
+                                             static_cast<std::uint32_t>(shape), numDims)) {}
 
     static constexpr InputKey ofMatrix(oxClassID classId, std::uint32_t flags, std::size_t rows,
                                        std::size_t cols) noexcept {
-        if (rows == 1 && cols == 1) {
-            return {classId, flags, Shape::SCALAR, 0};
-        }
-        if (rows == 0 || cols == 0) {
-            return {classId, flags, rows == 1 ? Shape::EMPTY_ROW : (cols == 1 ? Shape::EMPTY_COL : Shape::EMPTY), 0};
-        }
-        if (rows == 1 || cols == 1) {
-            return {classId, flags, rows == 1 ? Shape::ROW : Shape::COLUMN, 1};
-        }
-        return {classId, flags, Shape::TWO_D, 2};
+        return InputKey(matrix::detail::glance::ofMatrix(static_cast<std::uint32_t>(classId), flags, rows, cols));
     }
 
     // Arrays of more dimensions, opaque dimensions, and whatever the host rejects.
