@@ -54,14 +54,17 @@ struct ThunkBody<Result, TypeList<V...>, std::index_sequence<P...>> {
                                                lxe::ILxeBuiltinEnvironment* environment, bool* errorFlag,
                                                const Parameter* arguments) {
         *errorFlag = false;
+        // The type list is in the order of Parameter's alternatives, so an argument holds
+        // its declared type when its index is the type's; reading the index this way costs
+        // no test of the argument's address.
         if (callee != nullptr && callee->getCallingConvention() == lxe::Plain && callee->getCallee() != nullptr &&
-            ((boost::get<V>(&arguments[P]) != nullptr) && ...)) [[likely]] {
+            ((arguments[P].which() == static_cast<int>(WRAPPER_TYPE_INDEX<V>)) && ...)) [[likely]] {
             const auto fcn = reinterpret_cast<Result (*)(V...)>(callee->getCallee());
             if constexpr (std::is_void_v<Result>) {
-                fcn(*boost::get<V>(&arguments[P])...);
+                fcn(boost::relaxed_get<V>(arguments[P])...);
                 return NO_VALUE_RESULT;
             } else {
-                return packInlineCResult<Result>(fcn(*boost::get<V>(&arguments[P])...));
+                return packInlineCResult<Result>(fcn(boost::relaxed_get<V>(arguments[P])...));
             }
         }
         return callChecked(callee, environment, errorFlag, arguments);
