@@ -37,6 +37,8 @@ PAIRS = [
     ("BM_InvokeScalarPlus", "Peer_NumPyAdd0d"),
     ("BM_InvokeMixedCalls", "BM_Floor"),
     ("BM_InvokeMixedCalls", "BM_InvokeScalarPlus"),
+    ("BM_InvokeSmallArrays", "BM_RawSmallArrays"),
+    ("BM_InvokeSmallArrays", "BM_InvokeScalarPlus"),
     ("BM_CleanupVariants", "BM_CopyAndSortVariants"),
     ("BM_ElementWisePlus", "BM_RawPlus"),
     ("BM_ElementWisePlus", "BM_RawPlusHugePages"),

@@ -2,6 +2,8 @@
 // creates its output: an indirect call and one allocation of an array's size.
 #include <builtin/builtinreg/MakeVariant.hpp>
 
+#include <SampleBuiltins.hpp>
+
 #include <foundation/core/diag/terminate.hpp>
 #include <foundation/usm/usm.hpp>
 
@@ -175,5 +177,41 @@ void BM_InvokeMixedCalls(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_InvokeMixedCalls);
+
+matrix::ArrayPtr rowOf(std::size_t n, double value) {
+    const std::size_t dims[] = {1, n};
+    matrix::ArrayPtr row(matrix::detail::do_create_uninitnumeric(dims, oxDOUBLE_CLASS, oxREAL));
+    std::fill_n(matrix::getTypedData<double>(row.get()), n, value);
+    return row;
+}
+
+// Two 1-by-8 rows through the sample library's plus, as an interpreter passes small
+// arrays: the element-wise variant's loop over them into a new 1-by-8 array.
+void BM_InvokeSmallArrays(benchmark::State& state) {
+    const matrix::ArrayPtr a = rowOf(8, 1);
+    const matrix::ArrayPtr b = rowOf(8, 2);
+    invokeRepeatedly(state, samplelib::plusBuiltin(), a.get(), b.get());
+}
+BENCHMARK(BM_InvokeSmallArrays);
+
+// Its raw twin: allocate a result of a header and eight doubles, add the rows into it.
+void BM_RawSmallArrays(benchmark::State& state) {
+    const matrix::ArrayPtr a = rowOf(8, 1);
+    const matrix::ArrayPtr b = rowOf(8, 2);
+    const double* x = matrix::getTypedData<double>(a.get());
+    const double* y = matrix::getTypedData<double>(b.get());
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(x);
+        benchmark::DoNotOptimize(y);
+        auto* result = static_cast<double*>(std::malloc(128 + 8 * sizeof(double)));
+        benchmark::DoNotOptimize(result);
+        for (std::size_t i = 0; i < 8; ++i) {
+            result[16 + i] = x[i] + y[i];
+        }
+        benchmark::ClobberMemory();
+        std::free(result);
+    }
+}
+BENCHMARK(BM_RawSmallArrays);
 
 } // namespace
