@@ -4,8 +4,8 @@
 
 namespace bench_wrappers {
 
-// Kept out of line in its own translation unit so the benchmark calls it through its
-// pointer, as the engine calls a thunk, and it makes the call the thunk makes: nothing more.
+// In a shared library of its own, so the benchmark calls it through its pointer across
+// libraries, as the engine calls a thunk, and it makes the call the thunk makes: nothing more.
 InlineCResult bareThunk(const void* callee, const double* arguments) {
     const auto fcn = reinterpret_cast<double (*)(double, double)>(const_cast<void*>(callee));
     const double value = fcn(arguments[0], arguments[1]);
