@@ -179,12 +179,16 @@ bool takesElementWise(const BuiltinVariant& variant, const DirectEntry& entry, i
     return true;
 }
 
-// How to call the variant on inputs of these keys; broadcastKeyed says whether the keys
-// decide broadcasting.
-Route routeOf(const BuiltinVariant& variant, int nrhs, const types::InputKey* keys, bool broadcastKeyed) noexcept {
+// How to call the variant on these inputs, at most MAX_INPUTS; broadcastKeyed says whether
+// their keys decide broadcasting.
+Route routeOf(const BuiltinVariant& variant, int nrhs, oxArray* const* prhs, bool broadcastKeyed) noexcept {
     const DirectEntry* entry = variant.directEntry;
     if (entry == nullptr) {
         return Route::GENERIC;
+    }
+    types::InputKey keys[DirectEntry::MAX_INPUTS];
+    for (int i = 0; i < nrhs; ++i) {
+        keys[i] = types::InputKey::of(prhs[i]);
     }
     if (takesAsTheyAre(*entry, nrhs, keys)) {
         return Route::DIRECT;
@@ -216,6 +220,11 @@ using DirectCall = oxArray* (*)(oxArray* const*);
     const bool checked = fl_diag_terminate();
     oxArray* const output = !checked && !executionChannel.isEnabled() ? call(prhs)
                                                                       : callWatched(variant, checked, call, prhs);
+    // A value made into an array is never null nor of another type than declared.
+    if (nlhs == 1 && !returnsArray) [[likely]] {
+        plhs[0] = output;
+        return;
+    }
     if (deliversResult(variant, nlhs)) {
         deliver(variant, nlhs, plhs, output, returnsArray, checked);
     } else {
@@ -251,9 +260,9 @@ const foundation::log::Channel& dispatchChannel = foundation::log::channel("buil
 // The key by value, so that a hit keeps it in registers.
 [[gnu::noinline]] DispatchCache::Lookup searchAndStore(DispatchCache& cache, builtinreg::detail::CallKey key,
                                                        std::span<const BuiltinVariant> list, int nlhs, int nrhs,
-                                                       oxArray* const* prhs, const types::InputKey* keys) {
+                                                       oxArray* const* prhs) {
     const BuiltinVariant* variant = searchList(list, nlhs, nrhs, prhs);
-    const Route route = variant != nullptr ? routeOf(*variant, nrhs, keys, true) : Route::GENERIC;
+    const Route route = variant != nullptr ? routeOf(*variant, nrhs, prhs, true) : Route::GENERIC;
     cache.store(key, variant, route);
     return {true, variant, route};
 }
@@ -308,19 +317,18 @@ void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
         const BuiltinVariant* variant = nullptr;
         Route route = Route::GENERIC;
         if (static_cast<std::size_t>(nrhs) <= DispatchCache::MAX_INPUTS && nlhs <= 0xff) [[likely]] {
-            types::InputKey keys[DispatchCache::MAX_INPUTS];
             builtinreg::detail::CallKey key;
             if (DispatchCache::keyOf(listIndex, static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs),
-                                     prhs, keys, key)) [[likely]] {
+                                     prhs, key)) [[likely]] {
                 DispatchCache::Lookup seen = dispatchCache_->find(key);
                 if (!seen.found) [[unlikely]] {
-                    seen = searchAndStore(*dispatchCache_, key, list, nlhs, nrhs, prhs, keys);
+                    seen = searchAndStore(*dispatchCache_, key, list, nlhs, nrhs, prhs);
                 }
                 variant = seen.variant;
                 route = seen.route;
             } else {
                 variant = searchList(list, nlhs, nrhs, prhs);
-                route = variant != nullptr ? routeOf(*variant, nrhs, keys, false) : Route::GENERIC;
+                route = variant != nullptr ? routeOf(*variant, nrhs, prhs, false) : Route::GENERIC;
             }
         } else {
             variant = searchList(list, nlhs, nrhs, prhs);

@@ -43,12 +43,13 @@ public:
     static constexpr std::size_t MAX_INPUTS = 4;
     static constexpr std::size_t SLOTS = 16;
 
-    // Reads the keys of a call's inputs into keys, and makes the call's key from them;
-    // false when the first acceptable variant may depend on more than those keys: an input
-    // the host rejects, or element-wise broadcasting between arrays of different dimensions
-    // that are not 1-by-1. At most MAX_INPUTS inputs and 0xff outputs.
+    // The key of a call from the keys of its inputs; false when the first acceptable
+    // variant may depend on more than those keys: an input the host rejects, or element-wise
+    // broadcasting between arrays of different dimensions that are not 1-by-1. At most
+    // MAX_INPUTS inputs and 0xff outputs. The input keys stay in registers; a caller that
+    // needs them reads them again.
     static bool keyOf(unsigned listIndex, std::uint64_t nlhs, std::uint64_t nrhs, oxArray* const* prhs,
-                      types::InputKey* keys, CallKey& key) noexcept;
+                      CallKey& key) noexcept;
 
     struct Lookup {
         bool found = false;
@@ -74,8 +75,7 @@ private:
     }
     // Two slots per key: where the top bits of its hash point, and the neighbour.
     template <std::size_t N>
-    static bool keyOfInputs(unsigned listIndex, std::uint64_t nlhs, oxArray* const* prhs, types::InputKey* keys,
-                            CallKey& key) noexcept;
+    static bool keyOfInputs(unsigned listIndex, std::uint64_t nlhs, oxArray* const* prhs, CallKey& key) noexcept;
     static std::size_t homeSlot(std::uint64_t hash) noexcept {
         static_assert(SLOTS == 16);
         return static_cast<std::size_t>(hash >> 60);
@@ -119,7 +119,8 @@ inline bool DispatchCache::broadcastIsKeyed(oxArray* const* prhs, const types::I
 
 template <std::size_t N>
 inline bool DispatchCache::keyOfInputs(unsigned listIndex, std::uint64_t nlhs, oxArray* const* prhs,
-                                       types::InputKey* keys, CallKey& key) noexcept {
+                                       CallKey& key) noexcept {
+    types::InputKey keys[N > 0 ? N : 1];
     std::uint32_t common = ~0u;
     std::uint32_t notScalar = 0;
     for (std::size_t i = 0; i < N; ++i) {
@@ -143,14 +144,14 @@ inline bool DispatchCache::keyOfInputs(unsigned listIndex, std::uint64_t nlhs, o
 
 // One loop per input count, each unrolled: a call's key is a few instructions per input.
 inline bool DispatchCache::keyOf(unsigned listIndex, std::uint64_t nlhs, std::uint64_t nrhs, oxArray* const* prhs,
-                                 types::InputKey* keys, CallKey& key) noexcept {
+                                 CallKey& key) noexcept {
     static_assert(MAX_INPUTS == 4);
     switch (nrhs) {
-    case 0: return keyOfInputs<0>(listIndex, nlhs, prhs, keys, key);
-    case 1: return keyOfInputs<1>(listIndex, nlhs, prhs, keys, key);
-    case 2: return keyOfInputs<2>(listIndex, nlhs, prhs, keys, key);
-    case 3: return keyOfInputs<3>(listIndex, nlhs, prhs, keys, key);
-    default: return keyOfInputs<4>(listIndex, nlhs, prhs, keys, key);
+    case 0: return keyOfInputs<0>(listIndex, nlhs, prhs, key);
+    case 1: return keyOfInputs<1>(listIndex, nlhs, prhs, key);
+    case 2: return keyOfInputs<2>(listIndex, nlhs, prhs, key);
+    case 3: return keyOfInputs<3>(listIndex, nlhs, prhs, key);
+    default: return keyOfInputs<4>(listIndex, nlhs, prhs, key);
     }
 }
 
