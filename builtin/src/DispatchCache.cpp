@@ -2,7 +2,6 @@
 
 #include <builtin/BuiltinVariant.hpp>
 
-
 namespace Velloc::builtin::builtinreg::detail {
 
 void DispatchCache::store(const CallKey& key, const BuiltinVariant* variant, Route route) noexcept {

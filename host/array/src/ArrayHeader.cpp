@@ -90,7 +90,7 @@ oxArray* allocateArray(Dims dimensions, oxClassID classId, std::uint32_t flags, 
     return array;
 }
 
-void freeArray(oxArray* array) {
+void freeArrayWithBlocks(oxArray* array) {
     const bool ownsSeparateData = array->data != nullptr && array->data != array->inlineData &&
                                   (array->extras == nullptr || !array->extras->dataOwner);
     if (ownsSeparateData) freeData(array->data);
@@ -98,6 +98,8 @@ void freeArray(oxArray* array) {
     delete array->extras;
     deleteHeader(array);
 }
+
+void freeArray(oxArray* array) { freeArrayBlocks(array); }
 
 void completeOpaqueDimensions(const oxArray& constArray) {
     // The handle is never created const; completion is the one change a query makes.

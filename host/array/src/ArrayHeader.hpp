@@ -67,6 +67,20 @@ inline oxArray* allocateScalar(oxClassID classId, std::uint32_t flags) {
     return allocateInlineMatrix(classId, flags, 1, 1);
 }
 
+// Frees an array with data or dimensions of its own blocks, or extras.
+void freeArrayWithBlocks(oxArray* array);
+
+// What freeArray does, with its common case inline: an array that lives wholly in its
+// header block (most results) goes back to the thread's list without a call.
+inline void freeArrayBlocks(oxArray* array) {
+    if (array->extras == nullptr && array->data == array->inlineData &&
+        array->dimensions == array->inlineDimensions) [[likely]] {
+        deleteHeader(array);
+        return;
+    }
+    freeArrayWithBlocks(array);
+}
+
 // Stores the element count of the dimensions in `product`; false when it overflows.
 bool multiplyDimensions(Dims dimensions, std::size_t& product);
 std::string dimensionsText(Dims dimensions);

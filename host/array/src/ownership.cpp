@@ -42,13 +42,7 @@ void destroyArray(const oxArray* a) {
     // concurrently, so the sole owner frees without a locked decrement.
     if (array->referenceCount.load(std::memory_order_acquire) == 1 ||
         array->referenceCount.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-        // Most arrays destroyed are small results that live wholly in their header block.
-        if (array->extras == nullptr && array->data == array->inlineData &&
-            array->dimensions == array->inlineDimensions) [[likely]] {
-            detail::deleteHeader(array);
-        } else {
-            detail::freeArray(array);
-        }
+        detail::freeArrayBlocks(array);
     }
 }
 

@@ -74,13 +74,13 @@ private:
         return (key.words[0] ^ key.words[1] ^ std::rotl(key.words[2], 29)) * 0x9e3779b97f4a7c15ull;
     }
     // Two slots per key: where the top bits of its hash point, and the neighbour.
-    template <std::size_t N>
-    static bool keyOfInputs(unsigned listIndex, std::uint64_t nlhs, oxArray* const* prhs, CallKey& key) noexcept;
     static std::size_t homeSlot(std::uint64_t hash) noexcept {
         static_assert(SLOTS == 16);
         return static_cast<std::size_t>(hash >> 60);
     }
     static Lookup findIn(const Slot& slot, const CallKey& key) noexcept;
+    template <std::size_t N>
+    static bool keyOfInputs(unsigned listIndex, std::uint64_t nlhs, oxArray* const* prhs, CallKey& key) noexcept;
     // Whether the call's N inputs, not all 1-by-1, decide broadcasting by their keys;
     // sameDimensions says whether all of them have the same dimensions.
     template <std::size_t N>
