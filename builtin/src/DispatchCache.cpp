@@ -5,7 +5,7 @@
 namespace Velloc::builtin::builtinreg::detail {
 
 void DispatchCache::store(const CallKey& key, const BuiltinVariant* variant, Route route) noexcept {
-    static_assert(alignof(BuiltinVariant) > ROUTE_MASK);
+    static_assert(alignof(BuiltinVariant) > (ROUTE_MASK | FOUND));
     const std::uint64_t hash = hashOf(key);
     const std::size_t home = homeSlot(hash);
     // An empty slot of the two if there is one; otherwise one picked by another bit of
@@ -26,7 +26,7 @@ void DispatchCache::store(const CallKey& key, const BuiltinVariant* variant, Rou
     for (std::size_t w = 0; w < key.words.size(); ++w) {
         slot.words[w].store(key.words[w], std::memory_order_release);
     }
-    slot.variant.store(reinterpret_cast<std::uintptr_t>(variant) | static_cast<std::uintptr_t>(route),
+    slot.variant.store(reinterpret_cast<std::uintptr_t>(variant) | static_cast<std::uintptr_t>(route) | FOUND,
                        std::memory_order_release);
     slot.sequence.store(sequence + 2, std::memory_order_release);
 }

@@ -264,7 +264,7 @@ const foundation::log::Channel& dispatchChannel = foundation::log::channel("buil
     const BuiltinVariant* variant = searchList(list, nlhs, nrhs, prhs);
     const Route route = variant != nullptr ? routeOf(*variant, nrhs, prhs, true) : Route::GENERIC;
     cache.store(key, variant, route);
-    return {true, variant, route};
+    return DispatchCache::Lookup(variant, route);
 }
 
 // Calls the variant the way the route says.
@@ -298,8 +298,31 @@ inline unsigned BuiltinFcn::listIndexOf(std::span<const BuiltinVariant> list) co
     return isList(searchedByInvokeNoLxe_) ? 0 : (isList(searchedByInvokeAfterLxe_) ? 1 : 2);
 }
 
+// The call an interpreter makes most: one output, the list for calls without engine
+// objects, inputs whose kind the dispatch cache has seen and whose variant it calls by its
+// direct entry. Its frame is small: any other call goes to invokeSearching, which decides
+// the same way.
 void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
                         VariantsToConsider variantsToConsider) const {
+    if (nlhs == 1 && plhs != nullptr && prhs != nullptr && variantsToConsider == NoLxe &&
+        static_cast<unsigned>(nrhs) <= DispatchCache::MAX_INPUTS) [[likely]] {
+        builtinreg::detail::CallKey key;
+        if (DispatchCache::keyOf(0, 1, static_cast<std::uint64_t>(nrhs), prhs, key)) [[likely]] {
+            const DispatchCache::Lookup seen = dispatchCache_->find(key);
+            if (const BuiltinVariant* const variant = seen.variant(); variant != nullptr) [[likely]] {
+                if (dispatchChannel.isEnabled()) [[unlikely]] {
+                    traceDispatch(*this, searchedByInvokeNoLxe_.span(), variant);
+                }
+                callRouted(*variant, seen.route(), nlhs, plhs, nrhs, prhs);
+                return;
+            }
+        }
+    }
+    invokeSearching(nlhs, plhs, nrhs, prhs, variantsToConsider);
+}
+
+void BuiltinFcn::invokeSearching(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
+                                 VariantsToConsider variantsToConsider) const {
     // A caller's mistake in the calling form must not become a wild write.
     // The common form (both arrays given, neither count negative) is tested first.
     if (plhs == nullptr || prhs == nullptr || (nlhs | nrhs) < 0) [[unlikely]] {
@@ -321,11 +344,11 @@ void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
             if (DispatchCache::keyOf(listIndex, static_cast<std::uint64_t>(nlhs), static_cast<std::uint64_t>(nrhs),
                                      prhs, key)) [[likely]] {
                 DispatchCache::Lookup seen = dispatchCache_->find(key);
-                if (!seen.found) [[unlikely]] {
+                if (!seen.found()) [[unlikely]] {
                     seen = searchAndStore(*dispatchCache_, key, list, nlhs, nrhs, prhs);
                 }
-                variant = seen.variant;
-                route = seen.route;
+                variant = seen.variant();
+                route = seen.route();
             } else {
                 variant = searchList(list, nlhs, nrhs, prhs);
                 route = variant != nullptr ? routeOf(*variant, nrhs, prhs, false) : Route::GENERIC;

@@ -96,6 +96,10 @@ private:
 
     // Which of the three lists a list that chooseVariants returned is, for the call's key.
     unsigned listIndexOf(std::span<const BuiltinVariant> list) const noexcept;
+    // Every call that invoke's cached direct call does not serve: the calling form's
+    // checks, the list, the search, the traces and checks, the generic entry.
+    void invokeSearching(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
+                         VariantsToConsider variantsToConsider) const;
 
 public:
     // The host-level function of the builtin; kept for the host, not used by invoke.

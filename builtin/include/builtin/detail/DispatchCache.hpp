@@ -48,26 +48,44 @@ public:
     // broadcasting between arrays of different dimensions that are not 1-by-1. At most
     // MAX_INPUTS inputs and 0xff outputs. The input keys stay in registers; a caller that
     // needs them reads them again.
-    static bool keyOf(unsigned listIndex, std::uint64_t nlhs, std::uint64_t nrhs, oxArray* const* prhs,
-                      CallKey& key) noexcept;
+    [[gnu::always_inline]] static bool keyOf(unsigned listIndex, std::uint64_t nlhs, std::uint64_t nrhs,
+                                             oxArray* const* prhs, CallKey& key) noexcept;
 
-    struct Lookup {
-        bool found = false;
-        const BuiltinVariant* variant = nullptr; // null when no variant accepts the call
-        Route route = Route::GENERIC;
+    static constexpr std::uintptr_t ROUTE_MASK = 3;
+    static constexpr std::uintptr_t FOUND = 4;
+
+    // What a probe found, in one word so that it stays in a register: the variant's address
+    // (null when no variant accepts the call), the route in its low bits and a bit that
+    // says whether the key was found at all.
+    class Lookup {
+    public:
+        constexpr Lookup() noexcept = default;
+        Lookup(const BuiltinVariant* variant, Route route) noexcept
+            : packed_(reinterpret_cast<std::uintptr_t>(variant) | static_cast<std::uintptr_t>(route) | FOUND) {}
+
+        bool found() const noexcept { return packed_ != 0; }
+        const BuiltinVariant* variant() const noexcept {
+            return reinterpret_cast<const BuiltinVariant*>(packed_ & ~(ROUTE_MASK | FOUND));
+        }
+        Route route() const noexcept { return static_cast<Route>(packed_ & ROUTE_MASK); }
+
+    private:
+        friend class DispatchCache;
+        explicit Lookup(std::uintptr_t packed) noexcept : packed_(packed) {}
+        std::uintptr_t packed_ = 0;
     };
-    Lookup find(const CallKey& key) const noexcept;
+    [[gnu::always_inline]] Lookup find(const CallKey& key) const noexcept;
     // Best effort: a slot another thread is filling is left as it is.
     void store(const CallKey& key, const BuiltinVariant* variant, Route route) noexcept;
 
 private:
-    // The variant's address with the route in its low bits.
+    // The variant's address with the route and the found bit in its low bits, as Lookup
+    // keeps it.
     struct Slot {
         std::atomic<std::uint64_t> sequence{0};
         std::array<std::atomic<std::uint64_t>, 3> words{};
         std::atomic<std::uintptr_t> variant{0};
     };
-    static constexpr std::uintptr_t ROUTE_MASK = 3;
 
     // One multiplication: its top bits, which pick the slot, depend on every bit of the key.
     static std::uint64_t hashOf(const CallKey& key) noexcept {
@@ -78,13 +96,15 @@ private:
         static_assert(SLOTS == 16);
         return static_cast<std::size_t>(hash >> 60);
     }
-    static Lookup findIn(const Slot& slot, const CallKey& key) noexcept;
+    [[gnu::always_inline]] static Lookup findIn(const Slot& slot, const CallKey& key) noexcept;
     template <std::size_t N>
-    static bool keyOfInputs(unsigned listIndex, std::uint64_t nlhs, oxArray* const* prhs, CallKey& key) noexcept;
+    [[gnu::always_inline]] static bool keyOfInputs(unsigned listIndex, std::uint64_t nlhs, oxArray* const* prhs,
+                                                   CallKey& key) noexcept;
     // Whether the call's N inputs, not all 1-by-1, decide broadcasting by their keys;
     // sameDimensions says whether all of them have the same dimensions.
     template <std::size_t N>
-    static bool broadcastIsKeyed(oxArray* const* prhs, const types::InputKey* keys, bool& sameDimensions) noexcept;
+    static bool broadcastIsKeyed(oxArray* const* prhs, std::array<std::uint32_t, N> bits,
+                                 bool& sameDimensions) noexcept;
 
     std::array<Slot, SLOTS> slots_;
 };
@@ -95,14 +115,15 @@ private:
 // only several arrays that are not 1-by-1 need their dimensions compared, straight from
 // their headers: every input has a key, so its dimensions are complete.
 template <std::size_t N>
-inline bool DispatchCache::broadcastIsKeyed(oxArray* const* prhs, const types::InputKey* keys,
+inline bool DispatchCache::broadcastIsKeyed(oxArray* const* prhs, std::array<std::uint32_t, N> bits,
                                             bool& sameDimensions) noexcept {
     std::size_t notScalar = 0;
     bool notScalarIsEmpty = false;
+#pragma GCC unroll 4
     for (std::size_t i = 0; i < N; ++i) {
-        if (types::InputKey::notScalarBits(keys[i].bits()) != 0) {
+        if (types::InputKey::notScalarBits(bits[i]) != 0) {
             ++notScalar;
-            notScalarIsEmpty = keys[i].isEmpty();
+            notScalarIsEmpty = types::InputKey::isEmpty(bits[i]);
         }
     }
     sameDimensions = N == 1;
@@ -117,32 +138,37 @@ inline bool DispatchCache::broadcastIsKeyed(oxArray* const* prhs, const types::I
     return sameDimensions || (notScalar <= 1 && !notScalarIsEmpty);
 }
 
+// Unrolled, with the inputs' keys in registers: a call's key is a few instructions per input.
 template <std::size_t N>
 inline bool DispatchCache::keyOfInputs(unsigned listIndex, std::uint64_t nlhs, oxArray* const* prhs,
                                        CallKey& key) noexcept {
-    types::InputKey keys[N > 0 ? N : 1];
+    std::array<std::uint32_t, N> bits{};
     std::uint32_t common = ~0u;
     std::uint32_t notScalar = 0;
+#pragma GCC unroll 4
     for (std::size_t i = 0; i < N; ++i) {
-        keys[i] = types::InputKey::of(prhs[i]);
-        common &= keys[i].bits();
-        notScalar |= types::InputKey::notScalarBits(keys[i].bits());
-        key.words[1 + i / 2] |= std::uint64_t{keys[i].bits()} << (32 * (i % 2));
+        bits[i] = types::InputKey::of(prhs[i]).bits();
+        common &= bits[i];
+        notScalar |= types::InputKey::notScalarBits(bits[i]);
     }
     if (!types::InputKey::allSupported(common)) {
         return false;
     }
     // 1-by-1 inputs have the same dimensions, and broadcast with each other.
     bool sameDimensions = true;
-    if (notScalar != 0 && !broadcastIsKeyed<N>(prhs, keys, sameDimensions)) {
+    if (notScalar != 0 && !broadcastIsKeyed<N>(prhs, bits, sameDimensions)) {
         return false;
     }
-    key.words[0] = 1 | (std::uint64_t{listIndex} << 1) | (std::uint64_t{sameDimensions} << 3) | (nlhs << 8) |
-                   (std::uint64_t{N} << 16);
+    const auto pair = [&](std::size_t first) {
+        return (first < N ? std::uint64_t{bits[first]} : 0) |
+               (first + 1 < N ? std::uint64_t{bits[first + 1]} << 32 : 0);
+    };
+    key.words = {1 | (std::uint64_t{listIndex} << 1) | (std::uint64_t{sameDimensions} << 3) | (nlhs << 8) |
+                     (std::uint64_t{N} << 16),
+                 pair(0), pair(2)};
     return true;
 }
 
-// One loop per input count, each unrolled: a call's key is a few instructions per input.
 inline bool DispatchCache::keyOf(unsigned listIndex, std::uint64_t nlhs, std::uint64_t nrhs, oxArray* const* prhs,
                                  CallKey& key) noexcept {
     static_assert(MAX_INPUTS == 4);
@@ -157,7 +183,7 @@ inline bool DispatchCache::keyOf(unsigned listIndex, std::uint64_t nlhs, std::ui
 
 inline DispatchCache::Lookup DispatchCache::find(const CallKey& key) const noexcept {
     const std::size_t home = homeSlot(hashOf(key));
-    if (const Lookup found = findIn(slots_[home], key); found.found) {
+    if (const Lookup found = findIn(slots_[home], key); found.found()) {
         return found;
     }
     return findIn(slots_[home ^ 1], key);
@@ -175,8 +201,7 @@ inline DispatchCache::Lookup DispatchCache::findIn(const Slot& slot, const CallK
     // An odd number is a slot being filled; a changed one, a slot refilled while read.
     const bool settled = (before & 1) == 0 && slot.sequence.load(std::memory_order_relaxed) == before;
     if (settled && first == key.words[0] && second == key.words[1] && third == key.words[2]) {
-        return {true, reinterpret_cast<const BuiltinVariant*>(variant & ~ROUTE_MASK),
-                static_cast<Route>(variant & ROUTE_MASK)};
+        return Lookup(variant);
     }
     return {};
 }

@@ -44,8 +44,10 @@ public:
     ArgType argType() const;
 
     constexpr bool isSupported() const noexcept { return (bits_ & SUPPORTED) != 0; }
-    constexpr bool isEmpty() const noexcept {
-        return shape() == Shape::EMPTY_ROW || shape() == Shape::EMPTY_COL || shape() == Shape::EMPTY;
+    constexpr bool isEmpty() const noexcept { return isEmpty(bits_); }
+    static constexpr bool isEmpty(std::uint32_t bits) noexcept {
+        const auto shape = static_cast<Shape>((bits >> SHAPE_SHIFT) & 0xf);
+        return shape == Shape::EMPTY_ROW || shape == Shape::EMPTY_COL || shape == Shape::EMPTY;
     }
     // Not zero unless the key's shape is SCALAR: or-ed over keys, whether any is not.
     static constexpr std::uint32_t notScalarBits(std::uint32_t bits) noexcept {
