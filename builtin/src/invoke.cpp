@@ -299,8 +299,8 @@ inline unsigned BuiltinFcn::listIndexOf(std::span<const BuiltinVariant> list) co
 }
 
 // The call an interpreter makes most: one output, the list for calls without engine
-// objects, inputs whose kind the dispatch cache has seen and whose variant it calls by its
-// direct entry. Its frame is small: any other call goes to invokeSearching, which decides
+// objects, a kind of call whose accepting variant the dispatch cache holds, called the way
+// its route says. Its frame is small: any other call goes to invokeSearching, which decides
 // the same way.
 void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
                         VariantsToConsider variantsToConsider) const {

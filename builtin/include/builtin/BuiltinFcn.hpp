@@ -96,8 +96,8 @@ private:
 
     // Which of the three lists a list that chooseVariants returned is, for the call's key.
     unsigned listIndexOf(std::span<const BuiltinVariant> list) const noexcept;
-    // Every call that invoke's cached direct call does not serve: the calling form's
-    // checks, the list, the search, the traces and checks, the generic entry.
+    // Every call whose accepting variant invoke does not find in the dispatch cache at
+    // once: the calling form's checks, the list, the search, the default implementation.
     void invokeSearching(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
                          VariantsToConsider variantsToConsider) const;
 
