@@ -267,9 +267,14 @@ const foundation::log::Channel& dispatchChannel = foundation::log::channel("buil
     return DispatchCache::Lookup(variant, route);
 }
 
-// Calls the variant the way the route says.
-[[gnu::always_inline]] inline void callRouted(const BuiltinVariant& variant, Route route, int nlhs, oxArray** plhs,
+// The variant chosen for a call on the list searched: traced when the dispatch channel is
+// on, then called the way its route says.
+[[gnu::always_inline]] inline void callChosen(const BuiltinFcn& builtin, std::span<const BuiltinVariant> list,
+                                              const BuiltinVariant& variant, Route route, int nlhs, oxArray** plhs,
                                               int nrhs, oxArray** prhs) {
+    if (dispatchChannel.isEnabled()) [[unlikely]] {
+        traceDispatch(builtin, list, &variant);
+    }
     if (route == Route::DIRECT) [[likely]] {
         callDirectEntry(variant, variant.directEntry->call, variant.directEntry->returnsArray, nlhs, plhs, prhs);
     } else if (route == Route::ELEMENT_WISE && smallEnoughForElementWise(nrhs, prhs)) {
@@ -310,10 +315,7 @@ void BuiltinFcn::invoke(int nlhs, oxArray** plhs, int nrhs, oxArray** prhs,
         if (DispatchCache::keyOf(0, 1, static_cast<std::uint64_t>(nrhs), prhs, key)) [[likely]] {
             const DispatchCache::Lookup seen = dispatchCache_->find(key);
             if (const BuiltinVariant* const variant = seen.variant(); variant != nullptr) [[likely]] {
-                if (dispatchChannel.isEnabled()) [[unlikely]] {
-                    traceDispatch(*this, searchedByInvokeNoLxe_.span(), variant);
-                }
-                callRouted(*variant, seen.route(), nlhs, plhs, nrhs, prhs);
+                callChosen(*this, searchedByInvokeNoLxe_.span(), *variant, seen.route(), nlhs, plhs, nrhs, prhs);
                 return;
             }
         }
@@ -357,10 +359,7 @@ void BuiltinFcn::invokeSearching(int nlhs, oxArray** plhs, int nrhs, oxArray** p
             variant = searchList(list, nlhs, nrhs, prhs);
         }
         if (variant != nullptr) [[likely]] {
-            if (dispatchChannel.isEnabled()) [[unlikely]] {
-                traceDispatch(*this, list, variant);
-            }
-            callRouted(*variant, route, nlhs, plhs, nrhs, prhs);
+            callChosen(*this, list, *variant, route, nlhs, plhs, nrhs, prhs);
             return;
         }
     }

@@ -51,9 +51,6 @@ public:
     [[gnu::always_inline]] static bool keyOf(unsigned listIndex, std::uint64_t nlhs, std::uint64_t nrhs,
                                              oxArray* const* prhs, CallKey& key) noexcept;
 
-    static constexpr std::uintptr_t ROUTE_MASK = 3;
-    static constexpr std::uintptr_t FOUND = 4;
-
     // What a probe found, in one word so that it stays in a register: the variant's address
     // (null when no variant accepts the call), the route in its low bits and a bit that
     // says whether the key was found at all.
@@ -79,6 +76,9 @@ public:
     void store(const CallKey& key, const BuiltinVariant* variant, Route route) noexcept;
 
 private:
+    static constexpr std::uintptr_t ROUTE_MASK = 3;
+    static constexpr std::uintptr_t FOUND = 4;
+
     // The variant's address with the route and the found bit in its low bits, as Lookup
     // keeps it.
     struct Slot {

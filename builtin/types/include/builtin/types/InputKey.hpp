@@ -44,7 +44,7 @@ public:
     ArgType argType() const;
 
     constexpr bool isSupported() const noexcept { return (bits_ & SUPPORTED) != 0; }
-    constexpr bool isEmpty() const noexcept { return isEmpty(bits_); }
+    // Whether the key's shape is one of the empty ones.
     static constexpr bool isEmpty(std::uint32_t bits) noexcept {
         const auto shape = static_cast<Shape>((bits >> SHAPE_SHIFT) & 0xf);
         return shape == Shape::EMPTY_ROW || shape == Shape::EMPTY_COL || shape == Shape::EMPTY;
