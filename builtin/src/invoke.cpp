@@ -208,7 +208,7 @@ using DirectCall = oxArray* (*)(oxArray* const*);
 // The direct call when checks are armed or executions traced.
 [[gnu::noinline]] oxArray* callWatched(const BuiltinVariant& variant, bool checked, DirectCall call,
                                        oxArray* const* prhs) {
-    return checkedIfArmed(variant, checked, [&] { return call(prhs); });
+    return checkedIfArmed(variant, checked, [call, prhs] { return call(prhs); });
 }
 
 // The same call as through the generic entry, without parameters or a call environment:

@@ -86,6 +86,35 @@ TEST(BehaviourChecksDeathTest, CallingIntoTheLanguageAgainstThePromiseEndsThePro
                  "builtin: \"plus\" function: \"plusImpl\" claims no warnings but generated this warning:\ncareful");
 }
 
+// Nested calls deeper than any before grow the instance's stack; the innermost variant is
+// still the one judged, at every depth on the way down and back up.
+void nestGuards(int depth, const BuiltinVariant& promisesNot, const BuiltinVariant& mayCall) {
+    if (depth == 0) {
+        return;
+    }
+    const CallsORVEXCheckAsserted guard(depth % 2 == 0 ? &mayCall : &promisesNot);
+    if (depth % 2 == 0) {
+        Velloc::builtin::vlDoesNotCallORVEXAssertion();
+    } else if (depth % 10 == 1) {
+        EXPECT_DEATH(Velloc::builtin::vlDoesNotCallORVEXAssertion(), "is marked as not calling into orvex");
+    }
+    nestGuards(depth - 1, promisesNot, mayCall);
+    if (depth % 2 == 0) {
+        Velloc::builtin::vlDoesNotCallORVEXAssertion();
+    }
+}
+
+TEST(BehaviourChecksDeathTest, DeepNestingJudgesTheInnermostVariant) {
+    foundation::usm::OvmInstance instance;
+    foundation::usm::CurrentOvm current(instance);
+    const BuiltinVariant promisesNot = plusImpl(false);
+    const BuiltinVariant mayCall = plusImpl(true);
+    for (int round = 0; round < 2; ++round) {
+        nestGuards(70, promisesNot, mayCall);
+        Velloc::builtin::vlDoesNotCallORVEXAssertion(); // nothing runs
+    }
+}
+
 TEST(BehaviourChecks, OutsideALanguageInstanceNothingIsChecked) {
     const BuiltinVariant promisesNot = plusImpl(false);
     CallsORVEXCheckAsserted guard(&promisesNot);

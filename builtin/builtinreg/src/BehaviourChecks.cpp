@@ -34,10 +34,11 @@ const ActiveVariants* findActiveVariants() {
 }
 
 void assertDoesNotCall(const ActiveVariants& active) {
-    if (active.empty() || active.back() == nullptr || active.back()->mayCallIntoOrvex) {
+    const BuiltinVariant* const innermost = active.innermost();
+    if (innermost == nullptr || innermost->mayCallIntoOrvex) {
         return;
     }
-    const BuiltinVariant& variant = *active.back();
+    const BuiltinVariant& variant = *innermost;
     foundation::core::diag::terminate(
         "The " + variant.cppFunctionName + " implementation of the ORVEX builtin function " +
             variant.orvexFunctionName + " is marked as not calling into orvex, but does." +
@@ -80,12 +81,17 @@ ActiveVariants& noteActiveVariants(foundation::usm::OvmInstance& instance) {
     (void)checkInstalled;
     ActiveVariants* active = instance.find<ActiveVariants>(activeVariantsId());
     if (active == nullptr) {
-        auto made = std::make_unique<ActiveVariants>();
-        made->reserve(16); // deeper nesting grows it
-        active = &instance.insert(activeVariantsId(), std::move(made));
+        active = &instance.insert(activeVariantsId(), std::make_unique<ActiveVariants>());
     }
     foundStack = {instance.serial(), active};
     return *active;
+}
+
+void ActiveVariants::grow() {
+    const std::size_t depth = static_cast<std::size_t>(top_ - storage_.data());
+    storage_.resize(storage_.size() * 2);
+    top_ = storage_.data() + depth;
+    limit_ = storage_.data() + storage_.size();
 }
 
 const foundation::log::Channel& executionChannel() {

@@ -199,24 +199,29 @@ inline void clearTemporaryMark(oxArray& array) noexcept {
 
 // A reference held around a call; the callee sees it in getReferenceCount. Until
 // releaseAfterCall gives it back on the same thread, the array is not freed, whoever drops
-// the other references meanwhile.
-inline void holdForCall(oxArray& array) noexcept {
-    if (array.ownerThread == threadSerial) {
+// the other references meanwhile. thread is the calling thread's serial, which a caller
+// holding several arrays reads once.
+[[gnu::always_inline]] inline void holdForCall(oxArray& array, std::uint64_t thread = threadSerial) noexcept {
+    if (array.ownerThread == thread) [[likely]] {
         array.callHolds.store(array.callHolds.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     } else {
         holdReference(array);
     }
 }
 
-inline void releaseAfterCall(oxArray& array) {
-    if (array.ownerThread == threadSerial) {
+[[gnu::always_inline]] inline void releaseAfterCall(oxArray& array, std::uint64_t thread = threadSerial) {
+    if (array.ownerThread == thread) [[likely]] {
         const std::uint32_t holds = array.callHolds.load(std::memory_order_relaxed) - 1;
         array.callHolds.store(holds, std::memory_order_relaxed);
-        if (holds == 0 && array.droppedDuringCalls.load(std::memory_order_relaxed) != 0) [[unlikely]] {
+        // Dropped references first: the last hold's release, the common case, then runs
+        // straight through.
+        if (array.droppedDuringCalls.load(std::memory_order_relaxed) != 0 && holds == 0) [[unlikely]] {
             settleDroppedDuringCalls(array);
         }
-    } else {
-        dropReference(array);
+    } else if (array.referenceCount.fetch_sub(1, std::memory_order_acq_rel) == 1) [[unlikely]] {
+        // Another thread's hold is a reference like any other: no call of this thread
+        // holds the array, so the drop does not wait.
+        freeArray(&array);
     }
 }
 

@@ -24,7 +24,31 @@ namespace detail {
 
 // The variants running in one language instance, innermost last. Unlocked: the host runs
 // a language instance on one thread at a time, and so does whatever calls builtins in it.
-using ActiveVariants = std::vector<const BuiltinVariant*>;
+// A push is a compare and a store: growing, which only nesting deeper than before needs,
+// is out of line, so that an armed call keeps its frame small.
+class ActiveVariants {
+public:
+    ActiveVariants() : storage_(16), top_(storage_.data()), limit_(storage_.data() + storage_.size()) {}
+    ActiveVariants(const ActiveVariants&) = delete;
+    ActiveVariants& operator=(const ActiveVariants&) = delete;
+
+    void push(const BuiltinVariant* variant) {
+        if (top_ == limit_) [[unlikely]] {
+            grow();
+        }
+        *top_++ = variant;
+    }
+    void pop() noexcept { --top_; }
+    // The innermost running variant; null when none runs.
+    const BuiltinVariant* innermost() const noexcept { return top_ == storage_.data() ? nullptr : top_[-1]; }
+
+private:
+    [[gnu::noinline]] void grow();
+
+    std::vector<const BuiltinVariant*> storage_;
+    const BuiltinVariant** top_;
+    const BuiltinVariant** limit_;
+};
 
 // The active-variant stack of the instance current on this thread, as this thread last
 // found it: an instance keeps its stack until it is destroyed, and its serial number is
@@ -60,12 +84,12 @@ class CallsORVEXCheckAsserted {
 public:
     explicit CallsORVEXCheckAsserted(const BuiltinVariant* variant) : active_(detail::currentActiveVariants()) {
         if (active_ != nullptr) {
-            active_->push_back(variant);
+            active_->push(variant);
         }
     }
     ~CallsORVEXCheckAsserted() {
         if (active_ != nullptr) {
-            active_->pop_back();
+            active_->pop();
         }
     }
     CallsORVEXCheckAsserted(const CallsORVEXCheckAsserted&) = delete;

@@ -10,7 +10,6 @@
 
 #include <matrix/oxArrayLayout.hpp>
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <tuple>
@@ -24,32 +23,42 @@ template <class T>
 inline constexpr bool isArrayParameter = std::is_same_v<T, oxArray*> || std::is_same_v<T, const oxArray*>;
 
 // Gives back, however the call ends, the references taken on the host arrays passed to
-// the function, as the generic entry's parameters do. Inline, without the library's null
-// checks: invoke has already read every input's header.
+// the function, as the generic entry's parameters do: one slot per input, empty for one
+// not held. Inline, without the library's checks: a null handle, which a function over
+// host arrays may be passed, is passed on unheld. The thread's serial is read once for
+// every hold and release of the call.
 template <std::size_t N>
 class HeldInputs {
 public:
-    HeldInputs() = default;
+    HeldInputs() noexcept = default;
     HeldInputs(const HeldInputs&) = delete;
     HeldInputs& operator=(const HeldInputs&) = delete;
-    ~HeldInputs() {
-        for (std::size_t i = 0; i < count_; ++i) {
-            matrix::detail::releaseAfterCall(*arrays_[i]);
-        }
-    }
+    // Unrolled and inline, so that the slots stay in registers and those a call never
+    // fills cost no test.
+    [[gnu::always_inline]] ~HeldInputs() { releaseFrom<0>(); }
 
     // Held for the call and no longer a temporary, since the callee may keep it.
-    void hold(oxArray* array) noexcept {
-        if (array != nullptr) {
-            matrix::detail::holdForCall(*array);
+    void hold(std::size_t slot, oxArray* array) noexcept {
+        if (array != nullptr) [[likely]] {
+            matrix::detail::holdForCall(*array, thread_);
             matrix::detail::clearTemporaryMark(*array);
-            arrays_[count_++] = array;
+            arrays_[slot] = array;
         }
     }
 
 private:
+    template <std::size_t I>
+    [[gnu::always_inline]] void releaseFrom() {
+        if constexpr (I < N) {
+            if (arrays_[I] != nullptr) {
+                matrix::detail::releaseAfterCall(*arrays_[I], thread_);
+            }
+            releaseFrom<I + 1>();
+        }
+    }
+
+    std::uint64_t thread_ = matrix::detail::threadSerial;
     oxArray* arrays_[N > 0 ? N : 1] = {};
-    std::size_t count_ = 0;
 };
 
 // BoxedScalars: the variant declares its scalar inputs as host arrays (a boxed copy), so
@@ -93,22 +102,22 @@ struct DirectEntryOf {
         }
     }
 
-    template <std::size_t I, std::size_t N>
-    static Arg<I> argument(oxArray* array, HeldInputs<N>& held) {
+    template <std::size_t I>
+    static Arg<I> argument(oxArray* array, HeldInputs<ARITY>& held) {
         if constexpr (isParameterValue<Arg<I>>) {
             if constexpr (BoxedScalars) {
                 matrix::detail::clearTemporaryMark(*array);
             }
             return *static_cast<const Arg<I>*>(array->data);
         } else {
-            held.hold(array);
+            held.hold(I, array);
             return array;
         }
     }
 
     static oxArray* call(oxArray* const* prhs) {
         return [&]<std::size_t... I>(std::index_sequence<I...>) {
-            HeldInputs<ARITY - std::popcount(SCALAR_INPUTS)> held;
+            HeldInputs<ARITY> held;
             // Braces: the inputs are taken in order, as the generic path converts them.
             const std::tuple<Arg<I>...> arguments{argument<I>(prhs[I], held)...};
             if constexpr (std::is_same_v<Result, oxArray*>) {
@@ -131,7 +140,7 @@ struct DirectEntryOf {
         const oxArray* shaped = prhs[0];
         for (std::size_t i = 0; i < ARITY; ++i) {
             if (prhs[i]->numberOfElements != 1) {
-                held.hold(prhs[i]);
+                held.hold(i, prhs[i]);
                 shaped = prhs[i];
             }
         }
