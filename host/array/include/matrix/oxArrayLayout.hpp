@@ -218,10 +218,8 @@ inline void clearTemporaryMark(oxArray& array) noexcept {
         if (array.droppedDuringCalls.load(std::memory_order_relaxed) != 0 && holds == 0) [[unlikely]] {
             settleDroppedDuringCalls(array);
         }
-    } else if (array.referenceCount.fetch_sub(1, std::memory_order_acq_rel) == 1) [[unlikely]] {
-        // Another thread's hold is a reference like any other: no call of this thread
-        // holds the array, so the drop does not wait.
-        freeArray(&array);
+    } else {
+        dropReference(array);
     }
 }
 
