@@ -82,8 +82,8 @@ auto checkedIfArmed(const BuiltinVariant& variant, bool checked, const Run& run)
     if (variant.mayRaiseWarnings) {
         return traced(variant, run);
     }
-    const builtinreg::detail::AssertIfWarnings assertIfWarnings(variant);
-    const matrix::WarningCapture capture(assertIfWarnings);
+    const matrix::WarningCapture capture =
+        matrix::WarningCapture::calling<&builtinreg::detail::AssertIfWarnings::onWarning>(variant);
     return traced(variant, run);
 }
 
@@ -153,10 +153,13 @@ void deliver(const BuiltinVariant& variant, int nlhs, oxArray** plhs, oxArray* o
     }
 }
 
-// Whether the direct entry takes these inputs as they are.
-bool takesAsTheyAre(const DirectEntry& entry, int nrhs, const types::InputKey* keys) noexcept {
+// Whether the direct entry takes these inputs as they are. A null handle has the empty
+// key, which no scalar requires; the generic entry passes it on, so that the direct
+// entries never test for one.
+bool takesAsTheyAre(const DirectEntry& entry, int nrhs, const types::InputKey* keys, oxArray* const* prhs) noexcept {
     for (int i = 0; i < nrhs; ++i) {
-        if (entry.requiredKeys[i] != DirectEntry::ANY_ARRAY && entry.requiredKeys[i] != keys[i].bits()) {
+        if (entry.requiredKeys[i] == DirectEntry::ANY_ARRAY ? prhs[i] == nullptr
+                                                            : entry.requiredKeys[i] != keys[i].bits()) {
             return false;
         }
     }
@@ -190,7 +193,7 @@ Route routeOf(const BuiltinVariant& variant, int nrhs, oxArray* const* prhs, boo
     for (int i = 0; i < nrhs; ++i) {
         keys[i] = types::InputKey::of(prhs[i]);
     }
-    if (takesAsTheyAre(*entry, nrhs, keys)) {
+    if (takesAsTheyAre(*entry, nrhs, keys, prhs)) {
         return Route::DIRECT;
     }
     return broadcastKeyed && takesElementWise(variant, *entry, nrhs, keys) ? Route::ELEMENT_WISE : Route::GENERIC;
@@ -205,10 +208,15 @@ bool smallEnoughForElementWise(int nrhs, oxArray* const* prhs) noexcept {
 
 using DirectCall = oxArray* (*)(oxArray* const*);
 
-// The direct call when checks are armed or executions traced.
-[[gnu::noinline]] oxArray* callWatched(const BuiltinVariant& variant, bool checked, DirectCall call,
-                                       oxArray* const* prhs) {
-    return checkedIfArmed(variant, checked, [call, prhs] { return call(prhs); });
+// The direct call when checks are armed, out of line so that it does not weigh on the
+// unchecked call's frame.
+[[gnu::noinline]] oxArray* callChecked(const BuiltinVariant& variant, DirectCall call, oxArray* const* prhs) {
+    return checkedIfArmed(variant, true, [call, prhs] { return call(prhs); });
+}
+
+// The direct call when checks are disarmed and executions traced.
+[[gnu::noinline]] oxArray* callTraced(const BuiltinVariant& variant, DirectCall call, oxArray* const* prhs) {
+    return runBetweenExecutionRecords(variant, [call, prhs] { return call(prhs); });
 }
 
 // The same call as through the generic entry, without parameters or a call environment:
@@ -218,8 +226,14 @@ using DirectCall = oxArray* (*)(oxArray* const*);
                                                    bool returnsArray, int nlhs, oxArray** plhs,
                                                    oxArray* const* prhs) {
     const bool checked = fl_diag_terminate();
-    oxArray* const output = !checked && !executionChannel.isEnabled() ? call(prhs)
-                                                                      : callWatched(variant, checked, call, prhs);
+    oxArray* output;
+    if (checked) [[unlikely]] {
+        output = callChecked(variant, call, prhs);
+    } else if (executionChannel.isEnabled()) [[unlikely]] {
+        output = callTraced(variant, call, prhs);
+    } else {
+        output = call(prhs);
+    }
     // A value made into an array is never null nor of another type than declared.
     if (nlhs == 1 && !returnsArray) [[likely]] {
         plhs[0] = output;

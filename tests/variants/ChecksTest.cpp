@@ -119,6 +119,10 @@ TEST(BehaviourChecks, OutsideALanguageInstanceNothingIsChecked) {
     const BuiltinVariant promisesNot = plusImpl(false);
     CallsORVEXCheckAsserted guard(&promisesNot);
     Velloc::builtin::vlDoesNotCallORVEXAssertion();
+    // Nor in an instance made current while that variant runs: it is not one of the instance's.
+    foundation::usm::OvmInstance instance;
+    const foundation::usm::CurrentOvm current(instance);
+    Velloc::builtin::vlDoesNotCallORVEXAssertion();
 }
 
 TEST(BehaviourChecks, ExecutionsAreTraced) {

@@ -74,16 +74,20 @@ namespace detail {
 
 [[gnu::tls_model("initial-exec")]] constinit thread_local FoundStack foundStack;
 
-ActiveVariants& noteActiveVariants(foundation::usm::OvmInstance& instance) {
+ActiveVariants& noteActiveVariants(foundation::usm::OvmInstance* instance) {
+    if (instance == nullptr) {
+        thread_local ActiveVariants outsideInstances;
+        return outsideInstances;
+    }
     // The host runs the check on each call into the language once a variant has been
-    // pushed; every push passes here first on its thread.
+    // pushed; every push in an instance passes here first on its thread.
     static const bool checkInstalled = (lxe::setLanguageEntryCheck(&vlDoesNotCallORVEXAssertion), true);
     (void)checkInstalled;
-    ActiveVariants* active = instance.find<ActiveVariants>(activeVariantsId());
+    ActiveVariants* active = instance->find<ActiveVariants>(activeVariantsId());
     if (active == nullptr) {
-        active = &instance.insert(activeVariantsId(), std::make_unique<ActiveVariants>());
+        active = &instance->insert(activeVariantsId(), std::make_unique<ActiveVariants>());
     }
-    foundStack = {instance.serial(), active};
+    foundStack = {instance->serial(), active};
     return *active;
 }
 

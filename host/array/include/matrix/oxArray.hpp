@@ -164,6 +164,15 @@ public:
         : WarningCapture(&callback, [](const void* target, const fl::ustring& message) {
               return (*static_cast<const Callback*>(target))(message);
           }) {}
+    // A capture that offers each warning to Handler(target, message), a function of an
+    // object that outlives the capture: the object is all it keeps, so that no callable
+    // need be built beside it.
+    template <auto Handler, class Target>
+    static WarningCapture calling(const Target& target) noexcept {
+        return WarningCapture(&target, [](const void* object, const fl::ustring& message) -> bool {
+            return Handler(*static_cast<const Target*>(object), message);
+        });
+    }
     ~WarningCapture() { detail::innermostCapture = previous_; }
     WarningCapture(const WarningCapture&) = delete;
     WarningCapture& operator=(const WarningCapture&) = delete;

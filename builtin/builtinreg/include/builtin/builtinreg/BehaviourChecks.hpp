@@ -60,19 +60,18 @@ struct FoundStack {
 };
 [[gnu::tls_model("initial-exec")]] extern constinit thread_local FoundStack foundStack;
 
-// The stack of the instance, made if it has none yet, noted for this thread.
-ActiveVariants& noteActiveVariants(foundation::usm::OvmInstance& instance);
+// The stack of the instance, made if it has none yet, noted for this thread; with no
+// instance, this thread's stack of the variants running outside any, which nothing judges.
+ActiveVariants& noteActiveVariants(foundation::usm::OvmInstance* instance);
 
-// The stack of the instance current on this thread; null outside an instance.
-inline ActiveVariants* currentActiveVariants() {
+// The stack of the instance current on this thread. Always a stack, so that a guard
+// pushes and pops without a test.
+inline ActiveVariants& currentActiveVariants() {
     foundation::usm::OvmInstance* instance = foundation::usm::OvmInstance::current();
-    if (instance == nullptr) {
-        return nullptr;
+    if (instance != nullptr && foundStack.serial == instance->serial()) [[likely]] {
+        return *foundStack.active;
     }
-    if (foundStack.serial == instance->serial()) [[likely]] {
-        return foundStack.active;
-    }
-    return &noteActiveVariants(*instance);
+    return noteActiveVariants(instance);
 }
 
 } // namespace detail
@@ -83,20 +82,14 @@ inline ActiveVariants* currentActiveVariants() {
 class CallsORVEXCheckAsserted {
 public:
     explicit CallsORVEXCheckAsserted(const BuiltinVariant* variant) : active_(detail::currentActiveVariants()) {
-        if (active_ != nullptr) {
-            active_->push(variant);
-        }
+        active_.push(variant);
     }
-    ~CallsORVEXCheckAsserted() {
-        if (active_ != nullptr) {
-            active_->pop();
-        }
-    }
+    ~CallsORVEXCheckAsserted() { active_.pop(); }
     CallsORVEXCheckAsserted(const CallsORVEXCheckAsserted&) = delete;
     CallsORVEXCheckAsserted& operator=(const CallsORVEXCheckAsserted&) = delete;
 
 private:
-    detail::ActiveVariants* active_; // the stack pushed on, popped from the same
+    detail::ActiveVariants& active_; // the stack pushed on, popped from the same
 };
 
 namespace detail {
@@ -106,6 +99,10 @@ class AssertIfWarnings {
 public:
     explicit AssertIfWarnings(const BuiltinVariant& variant) noexcept : variant_(variant) {}
     [[noreturn]] bool operator()(const fl::ustring& warning) const;
+    // The same, as the handler of a capture that keeps only the variant.
+    [[noreturn]] static bool onWarning(const BuiltinVariant& variant, const fl::ustring& warning) {
+        AssertIfWarnings{variant}(warning);
+    }
 
 private:
     const BuiltinVariant& variant_;

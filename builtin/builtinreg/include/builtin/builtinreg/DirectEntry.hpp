@@ -24,8 +24,8 @@ inline constexpr bool isArrayParameter = std::is_same_v<T, oxArray*> || std::is_
 
 // Gives back, however the call ends, the references taken on the host arrays passed to
 // the function, as the generic entry's parameters do: one slot per input, empty for one
-// not held. Inline, without the library's checks: a null handle, which a function over
-// host arrays may be passed, is passed on unheld. The thread's serial is read once for
+// not held. Inline, without the library's checks: invoke sends a call with a null handle
+// to the generic entry, so every array here is one. The thread's serial is read once for
 // every hold and release of the call.
 template <std::size_t N>
 class HeldInputs {
@@ -37,13 +37,12 @@ public:
     // fills cost no test.
     [[gnu::always_inline]] ~HeldInputs() { releaseFrom<0>(); }
 
-    // Held for the call and no longer a temporary, since the callee may keep it.
-    void hold(std::size_t slot, oxArray* array) noexcept {
-        if (array != nullptr) [[likely]] {
-            matrix::detail::holdForCall(*array, thread_);
-            matrix::detail::clearTemporaryMark(*array);
-            arrays_[slot] = array;
-        }
+    // Held for the call and no longer a temporary, since the callee may keep it. By
+    // reference: a slot filled on every path is known not null, and costs no test on release.
+    void hold(std::size_t slot, oxArray& array) noexcept {
+        matrix::detail::holdForCall(array, thread_);
+        matrix::detail::clearTemporaryMark(array);
+        arrays_[slot] = &array;
     }
 
 private:
@@ -110,7 +109,7 @@ struct DirectEntryOf {
             }
             return *static_cast<const Arg<I>*>(array->data);
         } else {
-            held.hold(I, array);
+            held.hold(I, *array);
             return array;
         }
     }
@@ -140,7 +139,7 @@ struct DirectEntryOf {
         const oxArray* shaped = prhs[0];
         for (std::size_t i = 0; i < ARITY; ++i) {
             if (prhs[i]->numberOfElements != 1) {
-                held.hold(i, prhs[i]);
+                held.hold(i, *prhs[i]);
                 shaped = prhs[i];
             }
         }
