@@ -56,43 +56,17 @@ oxArray* anyAllCore(const oxArray* a, const ReductionOptions& options) {
     return out.release();
 }
 
-using Core = oxArray* (*)(const oxArray*, const ReductionOptions&);
-
-template <Core core>
-oxArray* alongFirst(const oxArray* a) {
-    return core(a, {});
-}
-
-template <Core core>
-oxArray* along(const oxArray* a, double dim) {
-    return core(a, {.dim = dimensionIndex(dim)});
-}
-
-// Compiled callers pass 'all' as a flag.
-template <Core core>
-oxArray* overAll(const oxArray* a) {
-    return core(a, {.all = true});
-}
-
-// The interpreter passes it as text.
-template <Core core, const char* Name>
-oxArray* withOption(const oxArray* a, std::u16string_view option) {
-    ReductionOptions options;
-    applyOption(options, option, Name, {ReductionOption::ALL});
-    return core(a, options);
-}
-
 constexpr char ANY[] = "any";
 constexpr char ALL[] = "all";
 
 template <bool Any, const char* Name>
 const BuiltinVariantLists& anyAllLists() {
-    constexpr Core core = &anyAllCore<Any>;
+    constexpr ReductionCore core = &anyAllCore<Any>;
     static const BuiltinVariantLists lists{
         makeVariants<&alongFirst<core>>(Name, {.mayThrowErrors = true}),
         makeVariants<&along<core>>(Name, {.mayThrowErrors = true}),
         makeVariants<&overAll<core>>(Name, {.mayThrowErrors = true, .flags = {{1, "all"}}}),
-        makeVariants<&withOption<core, Name>>(Name, {.mayThrowErrors = true}),
+        makeVariants<&withAllOption<core, Name>>(Name, {.mayThrowErrors = true}),
     };
     return lists;
 }

@@ -87,6 +87,34 @@ struct Reduction {
 //    max(zeros(0, 3)) is 0-by-3), as there is no maximum of nothing.
 Reduction planReduction(const oxArray* a, const ReductionOptions& options, bool keepsEmpty);
 
+// The forms of a call that sum, prod, mean, any and all share, each ending in the builtin's
+// one core function: along the first dimension, along a given one, over every element as
+// a compiled caller's flag says ('all'), and with 'all' as the interpreter passes it, as
+// text (Name names the builtin in the message about a text it does not take).
+using ReductionCore = oxArray* (*)(const oxArray*, const ReductionOptions&);
+
+template <ReductionCore core>
+oxArray* alongFirst(const oxArray* a) {
+    return core(a, {});
+}
+
+template <ReductionCore core>
+oxArray* along(const oxArray* a, double dim) {
+    return core(a, {.dim = dimensionIndex(dim)});
+}
+
+template <ReductionCore core>
+oxArray* overAll(const oxArray* a) {
+    return core(a, {.all = true});
+}
+
+template <ReductionCore core, const char* Name>
+oxArray* withAllOption(const oxArray* a, std::u16string_view option) {
+    ReductionOptions options;
+    applyOption(options, option, Name, {ReductionOption::ALL});
+    return core(a, options);
+}
+
 // The default implementation of the reductions: the report of every variant and why it
 // refused the call, as the identified error builtin2:noMatchingVariant.
 template <const Velloc::builtin::BuiltinFcn& (*Builtin)()>

@@ -206,50 +206,33 @@ oxArray* meanCore(const oxArray* a, const ReductionOptions& options) {
 
 // --- the variants: the forms of a call, each ending in the core ---
 //
-// Core names the builtin's core function, Name the builtin in messages. sum and mean
+// core names the builtin's core function, Name the builtin in messages. sum and mean
 // take 'all', 'omitnan' and 'includenan'; prod takes 'all'.
-
-using Core = oxArray* (*)(const oxArray*, const ReductionOptions&);
 
 constexpr std::initializer_list<ReductionOption> ALL_OPTIONS = {ReductionOption::ALL, ReductionOption::OMIT_NAN,
                                                                 ReductionOption::INCLUDE_NAN};
 constexpr std::initializer_list<ReductionOption> NAN_OPTIONS = {ReductionOption::OMIT_NAN,
                                                                 ReductionOption::INCLUDE_NAN};
 
-template <Core core>
-oxArray* alongFirst(const oxArray* a) {
-    return core(a, {});
-}
-
-template <Core core>
-oxArray* along(const oxArray* a, double dim) {
-    return core(a, {.dim = dimensionIndex(dim)});
-}
-
 // Compiled callers: each flag variant stands for its fixed option texts.
-template <Core core>
-oxArray* overAll(const oxArray* a) {
-    return core(a, {.all = true});
-}
-
-template <Core core>
+template <ReductionCore core>
 oxArray* omittingNaN(const oxArray* a) {
     return core(a, {.omitNaN = true});
 }
 
-template <Core core>
+template <ReductionCore core>
 oxArray* overAllOmittingNaN(const oxArray* a) {
     return core(a, {.all = true, .omitNaN = true});
 }
 
-template <Core core>
+template <ReductionCore core>
 oxArray* alongOmittingNaN(const oxArray* a, double dim) {
     return core(a, {.dim = dimensionIndex(dim), .omitNaN = true});
 }
 
 // The interpreter: the option texts arrive as text (a char row or a string), and are read
 // here.
-template <Core core, const char* Name>
+template <ReductionCore core, const char* Name>
 oxArray* withOption(const oxArray* a, std::u16string_view option) {
     ReductionOptions options;
     applyOption(options, option, Name, ALL_OPTIONS);
@@ -262,19 +245,12 @@ oxArray* withOption(const oxArray* a, std::u16string_view option) {
 // an earlier one takes a string; and a double dimension reaches the interpreter through a
 // boxed copy, which cleanup drops when another parameter is a string, a type the engine
 // does not pass.
-template <Core core, const char* Name>
+template <ReductionCore core, const char* Name>
 oxArray* withTwoMore(const oxArray* a, const oxArray* second, std::u16string_view option) {
     ReductionOptions options;
     const bool dimension = readDimensionOrOption(second, options, Name, ALL_OPTIONS);
     // A dimension and 'all' contradict each other.
     applyOption(options, option, Name, dimension ? NAN_OPTIONS : ALL_OPTIONS);
-    return core(a, options);
-}
-
-template <Core core, const char* Name>
-oxArray* allOnlyOption(const oxArray* a, std::u16string_view option) {
-    ReductionOptions options;
-    applyOption(options, option, Name, {ReductionOption::ALL});
     return core(a, options);
 }
 
@@ -290,7 +266,7 @@ void append(std::vector<BuiltinVariant>& to, std::vector<BuiltinVariant> variant
 }
 
 // sum and mean: a dimension, 'all', and what to do with NaN.
-template <Core core, const char* Name>
+template <ReductionCore core, const char* Name>
 std::vector<BuiltinVariant> nanAwareVariants() {
     std::vector<BuiltinVariant> variants = makeVariants<&alongFirst<core>>(Name, THROWS);
     append(variants, makeVariants<&along<core>>(Name, THROWS));
@@ -322,7 +298,7 @@ const BuiltinVariantLists& prodLists() {
         makeVariants<&alongFirst<&prodCore>>(PROD, THROWS),
         makeVariants<&along<&prodCore>>(PROD, THROWS),
         makeVariants<&overAll<&prodCore>>(PROD, throwingWithFlags({{1, "all"}})),
-        makeVariants<&allOnlyOption<&prodCore, PROD>>(PROD, THROWS),
+        makeVariants<&withAllOption<&prodCore, PROD>>(PROD, THROWS),
     };
     return lists;
 }
