@@ -153,12 +153,12 @@ void deliver(const BuiltinVariant& variant, int nlhs, oxArray** plhs, oxArray* o
     }
 }
 
-// Whether the direct entry takes these inputs as they are. A null handle has the empty
-// key, which no scalar requires; the generic entry passes it on, so that the direct
-// entries never test for one.
-bool takesAsTheyAre(const DirectEntry& entry, int nrhs, const types::InputKey* keys, oxArray* const* prhs) noexcept {
+// Whether the direct entry takes these inputs as they are. An input without a key (a null
+// handle, or an array the host rejects) takes the generic entry, which passes it on as it
+// is, so that the direct entries test no pointer.
+bool takesAsTheyAre(const DirectEntry& entry, int nrhs, const types::InputKey* keys) noexcept {
     for (int i = 0; i < nrhs; ++i) {
-        if (entry.requiredKeys[i] == DirectEntry::ANY_ARRAY ? prhs[i] == nullptr
+        if (entry.requiredKeys[i] == DirectEntry::ANY_ARRAY ? !keys[i].isSupported()
                                                             : entry.requiredKeys[i] != keys[i].bits()) {
             return false;
         }
@@ -193,7 +193,7 @@ Route routeOf(const BuiltinVariant& variant, int nrhs, oxArray* const* prhs, boo
     for (int i = 0; i < nrhs; ++i) {
         keys[i] = types::InputKey::of(prhs[i]);
     }
-    if (takesAsTheyAre(*entry, nrhs, keys, prhs)) {
+    if (takesAsTheyAre(*entry, nrhs, keys)) {
         return Route::DIRECT;
     }
     return broadcastKeyed && takesElementWise(variant, *entry, nrhs, keys) ? Route::ELEMENT_WISE : Route::GENERIC;

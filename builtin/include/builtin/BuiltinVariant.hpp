@@ -42,8 +42,8 @@ class VariantSignature;
 // as they are (builtinreg/DirectEntry.hpp makes them).
 struct DirectEntry {
     static constexpr std::size_t MAX_INPUTS = 4;
-    // The required key of an input passed as the host array itself: any array will do,
-    // though not a null handle, which takes the generic entry.
+    // The required key of an input passed as the host array itself: any array with a key
+    // will do; a null handle or an array the host rejects takes the generic entry.
     static constexpr std::uint32_t ANY_ARRAY = 0;
     // The largest input callElementWise runs over; larger ones take the generic entry,
     // whose loops share the work among threads.

@@ -25,7 +25,7 @@ inline constexpr bool isArrayParameter = std::is_same_v<T, oxArray*> || std::is_
 // Gives back, however the call ends, the references taken on the host arrays passed to
 // the function, as the generic entry's parameters do: one slot per input, empty for one
 // not held. Inline, without the library's checks: invoke sends a call with a null handle
-// to the generic entry, so every array here is one. The thread's serial is read once for
+// (or an array without a key) to the generic entry, so every array here is one. The thread's serial is read once for
 // every hold and release of the call.
 template <std::size_t N>
 class HeldInputs {
